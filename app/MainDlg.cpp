@@ -1,0 +1,105 @@
+#include "app/MainDlg.h"
+
+#include <utility>
+
+#include "app/HostWindow.h"
+#include "app/Settings.h"
+#include "app/UpdateReport.h"
+#include "inventor/PropertyUpdate.h"
+#include "platform/System.h"
+
+TfrmMain* frmMain = nullptr;
+
+namespace {
+
+// In pixels at kDesignDpi.
+constexpr int kClientWidth = 300;
+constexpr int kClientHeight = 70;
+constexpr int kBevels = 2;
+constexpr TRect kPanelBounds{0, 0, kClientWidth, kClientHeight};
+constexpr TRect kLabelBounds{kBevels, kBevels, kClientWidth - kBevels, kClientHeight - kBevels};
+const TFont kStatusFont{.Name = u"Tahoma", .CharHeight = 16, .Bold = true};
+
+// Half of the designed size. Constants on purpose, not half of the window's current size: the offset from the
+// middle of the host is the same on every monitor.
+constexpr int kHalfWidth = 150;
+constexpr int kHalfHeight = 35;
+
+// A task that shows an error ends the program after the first time; a result stays for the second.
+constexpr int kTaskMilliseconds = 3600;
+constexpr int kResultMilliseconds = 1500;
+
+}  // namespace
+
+TfrmMain::TfrmMain()
+    : TForm(TWindowKind::StatusForm, u"TfrmMain", u"Velmora", kClientWidth, kClientHeight),
+      CloseTimer(kTaskMilliseconds),
+      clientPanel(*this),
+      lbStatus(clientPanel) {
+  frmMain = this;
+  clientPanel.SetBounds(kPanelBounds);
+  clientPanel.SetFont(kStatusFont);
+  lbStatus.SetBounds(kLabelBounds);
+  lbStatus.SetFont(kStatusFont);
+  CloseTimer.OnTimer = [this] { CloseTimerTimer(); };
+  OnCreate = [this] { FormCreate(); };
+  OnShow = [this] { FormShow(); };
+}
+
+TfrmMain::~TfrmMain() {
+  frmMain = nullptr;
+}
+
+void TfrmMain::FormCreate() {
+  ProgrammPfad = ReadProgramFolder();
+  EnsureDatabaseFolder(ProgrammPfad);
+  ProgrammIni = ProgrammPfad + u"Velmora.ini";
+  TIndexSettings settings = ReadIndexSettings(ProgrammIni);
+  fIndexProp = std::move(settings.IndexProp);
+  fIndexHint = std::move(settings.IndexHint);
+  fAutoRemoveHint = settings.AutoRemoveHint;
+}
+
+void TfrmMain::FormShow() {
+  const TCommandLine arguments(CommandLine());
+  // Closing does not stop what follows; without arguments no switch matches and the program ends.
+  if (arguments.Count() == 0) Close();
+  PlaceOver(HostRect(Handle()));
+
+  const UnicodeString task = arguments.Argument(1);
+  if (task == u"/P") RunPropertyUpdate(arguments.Argument(2), arguments.Argument(3));
+}
+
+void TfrmMain::PlaceOver(const TRect& rect) {
+  ScaleTo(DpiAt(rect));
+  MoveTo(rect.Left + rect.Width() / 2 - kHalfWidth, rect.Top + rect.Height() / 2 - kHalfHeight);
+}
+
+void TfrmMain::ShowStatus(TextView text) {
+  lbStatus.SetCaption(text);
+  lbStatus.Repaint();
+}
+
+void TfrmMain::RestartCloseTimer() {
+  CloseTimer.Disable();
+  CloseTimer.SetInterval(kResultMilliseconds);
+  CloseTimer.Enable();
+}
+
+void TfrmMain::RunPropertyUpdate(const UnicodeString& file, const UnicodeString& listFile) {
+  CloseTimer.Enable();
+  ShowStatus(u"Properties werden aktualisiert...");
+  std::int32_t updated = 0;
+  const std::int32_t created = UpdateProperties(file, listFile, updated);
+  ShowStatus(UpdateReport(created, updated));
+  RestartCloseTimer();
+}
+
+std::int32_t TfrmMain::UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
+                                        std::int32_t& updatedCount) {
+  return ::UpdateProperties(fileName, listFileName, updatedCount, {fIndexProp, fIndexHint, fAutoRemoveHint});
+}
+
+void TfrmMain::CloseTimerTimer() {
+  Close();
+}

@@ -1,0 +1,87 @@
+#include "inventor/PropertyUpdate.h"
+
+#include "inventor/ApprenticeServer.h"
+#include "inventor/PropertyList.h"
+
+namespace {
+
+/// One update of one open document. The chain from the document down to a property is fetched anew for every
+/// access: the component renumbers a set when a property goes, and a reference from before would name
+/// another.
+class TPropertyUpdate {
+ public:
+  TPropertyUpdate(const TDocument& document, TPropertyList& list, const TIndexSettings& settings)
+      : fDocument(document), fList(list), fSettings(settings) {}
+
+  /// Empties and refills the text properties; takes out of the list what it has written.
+  void UpdateExisting();
+  /// Creates what is left in the list and returns how many properties that were.
+  std::int32_t CreateMissing();
+  const UnicodeString& OldIndex() const { return fOldIndex; }
+
+ private:
+  TPropertySet Set() const { return fDocument.PropertySets().Item(kCustomPropertySet); }
+  TProperty Property(std::int32_t index) const { return Set().Item(index); }
+  void UpdateOne(std::int32_t index);
+  void Refill(std::int32_t index);
+
+  const TDocument& fDocument;
+  TPropertyList& fList;
+  const TIndexSettings& fSettings;
+  UnicodeString fOldIndex;
+};
+
+void TPropertyUpdate::UpdateExisting() {
+  // The count is not adjusted when a hint goes: the property that moves up is passed over, and the last pass
+  // asks for a position that the set no longer has. Deliberately so: what the component answers decides
+  // whether the update goes on, and an update that it refuses leaves the file as it was.
+  const std::int32_t count = Set().Count();
+  for (std::int32_t index = 1; index <= count; ++index) {
+    if (Property(index).Value().IsText()) UpdateOne(index);
+  }
+}
+
+void TPropertyUpdate::UpdateOne(std::int32_t index) {
+  if (Property(index).Name() == fSettings.IndexProp) fOldIndex = Property(index).Value().AsText();
+  // The value before the change. Nothing is counted from it (the report says that no property was updated),
+  // but reading it before the first write gives the component the chance to refuse while nothing has changed.
+  static_cast<void>(Property(index).Value());
+  // Emptied first, so that a property that the list does not name ends up empty.
+  Property(index).Value(TVariant::Text({}));
+  Refill(index);
+  if (fSettings.AutoRemoveHint && Property(index).Name() == kIndexHintName) Property(index).Delete();
+}
+
+void TPropertyUpdate::Refill(std::int32_t index) {
+  const UnicodeString name = Property(index).Name();
+  if (!fList.Contains(name)) return;
+  Property(index).Value(TVariant::Text(fList.Value(name)));
+  fList.Delete(name);
+}
+
+std::int32_t TPropertyUpdate::CreateMissing() {
+  const int count = fList.Count();
+  for (int position = 0; position < count; ++position) {
+    const UnicodeString name = fList.NameAt(position);
+    Set().AddProperty(TVariant::Text(fList.Value(name)), name, 0);
+  }
+  return count;
+}
+
+}  // namespace
+
+std::int32_t UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
+                              std::int32_t& /*updatedCount*/, const TIndexSettings& settings) {
+  TPropertyListFile list = ReadPropertyListFile(listFileName, settings.IndexProp);
+  const TApprenticeServer server;
+  const TDocument document = server.OpenDocument(fileName);
+
+  TPropertyUpdate update(document, list.Properties, settings);
+  update.UpdateExisting();
+  std::int32_t created = update.CreateMissing();
+  if (AddIndexHint(document, update.OldIndex(), list.NewIndex, settings.IndexHint)) ++created;
+
+  document.PropertySets().WritePropertiesToFile();
+  document.CloseDocument();
+  return created;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+
+#include "platform/Geometry.h"
+#include "platform/Text.h"
+
+/// A window of the system, of this or another process; it may vanish at any time. Never owned through this.
+using TWindowHandle = struct TWindowTag*;
+
+/// The first top-level window in Z order, seen from the top-level window `sibling`; null when there is none.
+TWindowHandle FirstWindow(TWindowHandle sibling);
+/// The next one in Z order; null after the last, and when `window` has vanished.
+TWindowHandle NextWindow(TWindowHandle window);
+
+/// At most 254 characters of the title; empty for a window without one or one that has vanished.
+UnicodeString WindowTitle(TWindowHandle window);
+/// The window with its frame, in screen pixels; nothing when it has vanished.
+std::optional<TRect> WindowRect(TWindowHandle window);
+
+/// The work area (screen without the task bar) of the monitor that is nearest to the window.
+TRect NearestWorkArea(TWindowHandle window);
+/// Dots per inch of the monitor that holds most of `rect` or lies nearest to it.
+int DpiAt(const TRect& rect);

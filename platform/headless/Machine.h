@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Dispatch.h"
+#include "platform/Geometry.h"
+#include "platform/Text.h"
+
+namespace headless {
+
+/// A window of the scripted desktop. Windows of the program itself are entered while they live.
+struct TDesktopWindow {
+  UnicodeString Title;
+  TRect Bounds;
+};
+
+/// Everything that the program can see of a machine without Windows, and what it did there. Tests fill it in
+/// before they run the program; file names like "C:\Projekt\Teil.ipt" lie below Root (C/Projekt/Teil.ipt).
+struct TMachine {
+  std::filesystem::path Root;
+  UnicodeString CommandLine;
+  std::map<UnicodeString, UnicodeString, std::less<>> Environment;
+  std::optional<std::string> StandardInput;  ///< nothing: the process has none
+
+  std::vector<TDesktopWindow*> ZOrder;  ///< topmost first; not owned
+  TRect WorkArea{0, 0, 1280, 1024};
+  int Dpi = kDesignDpi;
+
+  /// Creates the component; empty: the class is not registered. Throws what a failed creation throws.
+  std::function<TDispatch()> CreateServer;
+
+  /// The only clock, in milliseconds. It moves when the message loop waits, or when a test moves it.
+  std::int64_t Now = 0;
+  /// For each message box in turn: after how long the user presses OK. Nothing, or a deque that has run out:
+  /// never.
+  std::deque<std::optional<int>> PressOkAfter;
+
+  /// What the user could see, each line with the time: windows, painted texts, boxes. UTF-8.
+  std::vector<std::string> Log;
+
+  void Record(const std::string& line) { Log.push_back(std::to_string(Now) + " " + line); }
+};
+
+TMachine& Machine();
+
+/// Where a file name of the program lies on this machine.
+std::filesystem::path HostPath(TextView path);
+
+}  // namespace headless

@@ -1,0 +1,139 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "platform/DispatchTarget.h"
+#include "platform/Error.h"
+#include "platform/Variant.h"
+
+// What every back end owes to the callers of TDispatch.
+
+namespace {
+
+constexpr std::int32_t kEcho = 0x03001D03;       // answers its first argument
+constexpr std::int32_t kDescribed = 0x7F000006;  // fails with a description
+constexpr std::int32_t kBare = 0;                // fails with an HRESULT alone
+
+struct TCall {
+  std::int32_t Id;
+  TInvokeKind Kind;
+  std::vector<TVariant> Arguments;
+};
+
+class TRecorder : public TDispatchTarget {
+ public:
+  explicit TRecorder(std::vector<TCall>& calls) : fCalls(calls) {}
+
+  TVariant Invoke(std::int32_t id, TInvokeKind kind, std::span<const TVariant> arguments) override {
+    fCalls.push_back({id, kind, {arguments.begin(), arguments.end()}});
+    if (id == kDescribed) {
+      throw EError(TErrorKind::Component, HResult(0x80004005), u"Zeile 1\r\nÄndern verweigert €", u"Quelle");
+    }
+    if (id == kBare) throw EError(TErrorKind::Component, kBadIndex, {});
+    return arguments.empty() ? TVariant() : arguments[0];
+  }
+
+ private:
+  std::vector<TCall>& fCalls;
+};
+
+class DispatchContract : public testing::Test {
+ protected:
+  std::vector<TCall> calls;
+  std::shared_ptr<TRecorder> target = std::make_shared<TRecorder>(calls);
+  TDispatch object = MakeDispatch(target);
+
+  TVariant Echo(const TVariant& value) {
+    const std::array arguments{value};
+    return object.Invoke(kEcho, TInvokeKind::Method, arguments);
+  }
+
+  EError ErrorOf(const TDispatch& reference, std::int32_t id) {
+    try {
+      reference.Invoke(id, TInvokeKind::Get);
+    } catch (const EError& error) {
+      return error;
+    }
+    return {TErrorKind::System, 0, u"no error"};
+  }
+};
+
+}  // namespace
+
+TEST_F(DispatchContract, ValuesKeepTypeAndContents) {
+  EXPECT_EQ(Echo(TVariant()).Type(), TVarType::Empty);
+  EXPECT_EQ(Echo(TVariant::Tagged(TVarType::Null)).Type(), TVarType::Null);
+  EXPECT_EQ(Echo(TVariant::Int16(-7)).AsInteger(), -7);
+  EXPECT_EQ(Echo(TVariant::Int16(-7)).Type(), TVarType::Int16);
+  EXPECT_EQ(Echo(TVariant::Int32(-2147483647 - 1)).AsInteger(), -2147483647 - 1);
+  EXPECT_EQ(Echo(TVariant::Single(0.5F)).Type(), TVarType::Single);
+  EXPECT_EQ(Echo(TVariant::Double(1e300)).AsDouble(), 1e300);
+  EXPECT_EQ(Echo(TVariant::Date(45000.25)).Type(), TVarType::Date);
+  EXPECT_EQ(Echo(TVariant::Date(45000.25)).AsDouble(), 45000.25);
+  // Any non-zero value is true and crosses as it is.
+  EXPECT_EQ(Echo(TVariant::Boolean(5)).AsVariantBool(), 5);
+  EXPECT_TRUE(Echo(TVariant::Boolean(5)).AsBoolean());
+  EXPECT_FALSE(Echo(TVariant::Boolean(0)).AsBoolean());
+  const UnicodeString text = u"ä€\U0001F600" + UnicodeString(1, u'\0') + u"mit Nullzeichen";
+  EXPECT_EQ(Echo(TVariant::Text(text)).AsText(), text);
+  EXPECT_EQ(Echo(TVariant::Text({})).Type(), TVarType::Text);
+  EXPECT_THROW(static_cast<void>(Echo(TVariant::Int32(1)).AsText()), EError);
+}
+
+TEST_F(DispatchContract, ArgumentsArriveInTheOrderOfDeclaration) {
+  const std::array arguments{TVariant::Text(u"Wert"), TVariant::Text(u"Name"), TVariant::Int32(0)};
+  object.Invoke(kEcho, TInvokeKind::Method, arguments);
+  object.Invoke(kEcho, TInvokeKind::Put, std::span(arguments).first(1));
+  object.Invoke(kEcho, TInvokeKind::Get);
+  ASSERT_EQ(calls.size(), 3U);
+  EXPECT_EQ(calls[0].Arguments.at(0).AsText(), u"Wert");
+  EXPECT_EQ(calls[0].Arguments.at(1).AsText(), u"Name");
+  EXPECT_EQ(calls[0].Arguments.at(2).AsInteger(), 0);
+  EXPECT_EQ(calls[1].Kind, TInvokeKind::Put);
+  EXPECT_EQ(calls[1].Arguments.size(), 1U);
+  EXPECT_EQ(calls[2].Kind, TInvokeKind::Get);
+  EXPECT_TRUE(calls[2].Arguments.empty());
+}
+
+TEST_F(DispatchContract, ErrorsCarryTheDescriptionOrTheSystemsText) {
+  const EError described = ErrorOf(object, kDescribed);
+  EXPECT_EQ(described.Kind(), TErrorKind::Component);
+  EXPECT_EQ(described.Code(), HResult(0x80004005));
+  EXPECT_EQ(described.Message(), u"Zeile 1\r\nÄndern verweigert €");
+  EXPECT_EQ(described.Source(), u"Quelle");
+
+  const EError bare = ErrorOf(object, kBare);
+  EXPECT_EQ(bare.Code(), kBadIndex);
+  EXPECT_FALSE(bare.Message().empty());
+  EXPECT_EQ(ErrorOf(TDispatch(), kEcho).Code(), kTypeMismatch);
+}
+
+TEST_F(DispatchContract, ObjectsAreCountedAndRecognised) {
+  const std::weak_ptr<TRecorder> watched = target;
+  EXPECT_EQ(TargetOf(Echo(TVariant::Object(object)).AsObject()), target);
+  EXPECT_EQ(TargetOf(Echo(TVariant::Unknown(object)).AsObject()), target);
+  EXPECT_EQ(TargetOf(TDispatch()), nullptr);
+  TDispatch copy = object;
+  target.reset();
+  calls.clear();
+  object = TDispatch();
+  EXPECT_FALSE(watched.expired());
+  copy = TDispatch(std::move(copy));
+  EXPECT_FALSE(watched.expired());
+  copy = TDispatch();
+  EXPECT_TRUE(watched.expired());
+}
+
+TEST(ComponentContract, AnUnknownClassIsRefused) {
+  const TComApartment apartment;
+  constexpr TGuid kNobody{0x2B1C3D4E, 0x5F60, 0x4172, {0x83, 0x94, 0xA5, 0xB6, 0xC7, 0xD8, 0xE9, 0xFA}};
+  try {
+    CreateInstance(kNobody, kNobody);
+    FAIL() << "created";
+  } catch (const EError& error) {
+    EXPECT_EQ(error.Code(), kClassNotRegistered);
+    EXPECT_FALSE(error.Message().empty());
+  }
+}

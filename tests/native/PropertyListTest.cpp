@@ -1,0 +1,112 @@
+#include "inventor/PropertyList.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/Error.h"
+#include "tests/support/TestMachine.h"
+
+namespace {
+
+constexpr TextView kFile = u"C:\\Liste ä.txt";
+
+/// The entries as "name=value", each value looked up by its name.
+std::vector<std::string> Entries(const TPropertyList& list) {
+  std::vector<std::string> entries;
+  for (int i = 0; i < list.Count(); ++i) {
+    const UnicodeString name = list.NameAt(i);
+    entries.push_back(Utf8FromText(name + u"=" + list.Value(name)));
+  }
+  return entries;
+}
+
+class PropertyListTest : public TMachineTest {};
+
+std::int32_t ErrorCode(TextView fileName) {
+  try {
+    ReadPropertyListFile(fileName, u"REV");
+  } catch (const EError& error) {
+    EXPECT_EQ(error.Kind(), TErrorKind::InputOutput);
+    return error.Code();
+  }
+  return 0;
+}
+
+}  // namespace
+
+TEST_F(PropertyListTest, IsReadInRecordsOfTwoLines) {
+  struct {
+    std::string Bytes;
+    std::vector<std::string> Entries;
+    TextView NewIndex;
+  } const cases[] = {
+      {"", {}, u""},
+      {"A\r\n1\r\nB\n2\n", {"A=1", "B=2"}, u""},
+      {"A\n1\nB", {"A=1"}, u""},
+      {"A\n1\nREV\n", {"A=1"}, u""},
+      {"REV\nb\nREV\n\n", {"REV=b"}, u""},            // the last index counts, also an empty one,
+      {"REV\nb\nrev\nc\nREV\nd\n", {"REV=b"}, u"d"},  // but the first value of a name, whatever its case
+      {"rev\nc\n", {"rev=c"}, u""},
+      {"A\n\na\n2\n", {"a=2"}, u""},  // an empty value takes no place
+      {"\n\nA\n1\n", {"A=1"}, u""},   // blank lines belong to the pairing
+      {"\nv\n", {"=v"}, u""},
+      {" A \n 1 \n", {" A = 1 "}, u""},
+      {"A\rB\n1\r2\r\r\n", {"AB=12"}, u""},  // a CR that ends no line is dropped
+      {"A\n1\n\x1A\nB\n2\n", {"A=1"}, u""},  // Ctrl-Z ends the file
+      {"A\n1\x1A 2\nB\n2\n", {"A=1"}, u""},
+      {"A\n1\n\r", {"A=1"}, u""},
+      {"Gr\xF6\xDF"
+       "e\n5 \x80\n",
+       {"Größe=5 €"},
+       u""},
+      {"\xEF\xBB\xBFREV\nb\n", {"ï»¿REV=b"}, u""},  // no byte-order mark is known
+      {"A=B\nv\n", {"A=B=v"}, u""},
+      {"A=B\nv\nA\nx\n", {"A=B=v"}, u""},  // "A" is found in the entry "A=B=v"
+      {"A\nx\nA=B\nv\n", {"A=x", "A=x"}, u""},
+  };
+  for (const auto& test : cases) {
+    WriteFile(kFile, test.Bytes);
+    const TPropertyListFile file = ReadPropertyListFile(kFile, u"REV");
+    EXPECT_EQ(Entries(file.Properties), test.Entries) << test.Bytes;
+    EXPECT_EQ(file.NewIndex, test.NewIndex) << test.Bytes;
+  }
+}
+
+TEST_F(PropertyListTest, LinesHaveAnyLength) {
+  const std::string name(4095, 'n');
+  const std::string value(100'000, 'v');
+  WriteFile(kFile, name + "\r\n" + value + "\r\nB\r\n2");
+  const TPropertyListFile file = ReadPropertyListFile(kFile, u"REV");
+  EXPECT_EQ(Entries(file.Properties), (std::vector<std::string>{name + "=" + value, "B=2"}));
+}
+
+TEST_F(PropertyListTest, EntriesAreFoundByTheTextBeforeAnyOfTheirEqualSigns) {
+  TPropertyList list;
+  list.Append(u"A=B", u"v");
+  list.Append(u"a", u"x");
+  EXPECT_EQ(list.Value(u"A"), u"B=v");
+  EXPECT_EQ(list.Value(u"a=b"), u"v");
+  EXPECT_EQ(list.Value(u"A=B=v"), u"");
+  EXPECT_FALSE(list.Contains(u"B"));
+  list.Delete(u"a");
+  EXPECT_EQ(Entries(list), (std::vector<std::string>{"a=x"}));
+  list.Delete(u"B");
+  EXPECT_EQ(list.Count(), 1);
+}
+
+TEST_F(PropertyListTest, TheEmptyNameIsStandardInput) {
+  EXPECT_EQ(ErrorCode(u""), 6) << "the process has none";
+  headless::Machine().StandardInput = "A\n1\n";
+  EXPECT_EQ(Entries(ReadPropertyListFile(u"", u"REV").Properties), (std::vector<std::string>{"A=1"}));
+}
+
+TEST_F(PropertyListTest, FilesThatCannotBeReadAreReportedByTheFirstRead) {
+  EXPECT_EQ(ErrorCode(u"C:\\fehlt.txt"), 104);
+  EXPECT_EQ(ErrorCode(u"C:\\Temp"), 104) << "a folder";
+  EXPECT_EQ(ErrorCode(UnicodeString(259, u'x')), 104);
+  EXPECT_EQ(ErrorCode(UnicodeString(260, u'x')), 3);
+  EXPECT_EQ(InputOutputError(104).Message(), u"E/A-Fehler 104");
+  EXPECT_EQ(InputOutputError(3).Message(), u"Ungültiger Dateiname");
+}

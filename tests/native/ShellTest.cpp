@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/MainDlg.h"
+#include "tests/support/ProgramTest.h"
+#include "ui/Application.h"
+
+using headless::Machine;
+using headless::TDesktopWindow;
+
+namespace {
+
+class ShellTest : public TProgramTest {
+ protected:
+  static constexpr TextView kSettingsFile = u"C:\\Users\\Größe\\AppData\\VelMora\\Velmora.ini";
+  static constexpr TextView kRun = u"/P C:\\Teil.ipt C:\\Liste.txt";
+
+  void SetUp() override {
+    WriteFile(u"C:\\Teil.ipt", DocumentWith(TextProperty("A", "1")));
+    WriteFile(u"C:\\Liste.txt", "A\n2\nB\n3\n");
+  }
+
+  /// The bounds with which the status window appeared.
+  std::string Placed() {
+    for (const std::string& line : Run(kRun)) {
+      if (line.find(" show ") != std::string::npos) return line.substr(line.find(" show ") + 6);
+    }
+    return "nowhere";
+  }
+};
+
+}  // namespace
+
+TEST_F(ShellTest, ShowsTheWorkThenTheResultAndCloses) {
+  Simulation.DelayMilliseconds =
+      5000;  // longer than the timer: no event of it may get through during the task
+  EXPECT_EQ(Run(kRun), (std::vector<std::string>{
+                           "0 text \"Properties werden aktualisiert...\"",
+                           "0 show 490,477 300x70",
+                           "0 paint \"Properties werden aktualisiert...\"",
+                           "5000 text \" ein Propertie neu angelegt...\rkeine Properties aktualisiert...\"",
+                           "5000 paint \" ein Propertie neu angelegt...\rkeine Properties aktualisiert...\"",
+                           "6500 quit",
+                       }));
+  EXPECT_EQ(LiveObjects(), 0);
+}
+
+TEST_F(ShellTest, EndsOrStaysAsTheArgumentsSay) {
+  struct {
+    TextView Arguments;
+    std::vector<std::string> Log;
+  } const cases[] = {
+      {u"", {"0 quit"}},
+      {u"\"\" /P", {"0 quit"}},
+      {u"/p C:\\Teil.ipt", {"0 show 490,477 300x70", "0 idle"}},
+      {u"/PX C:\\Teil.ipt", {"0 show 490,477 300x70", "0 idle"}},
+      {u"\"/P \" C:\\Teil.ipt", {"0 show 490,477 300x70", "0 idle"}},
+      {u"C:\\Teil.ipt", {"0 show 490,477 300x70", "0 idle"}},
+  };
+  for (const auto& test : cases) {
+    EXPECT_EQ(Run(test.Arguments), test.Log) << Utf8FromText(test.Arguments);
+    EXPECT_TRUE(Trace.empty());
+  }
+}
+
+TEST_F(ShellTest, AnErrorBoxThatIsClosedInTimeLeavesTheRestToTheTimer) {
+  Machine().PressOkAfter = {1000};
+  EXPECT_EQ(Run(u"/P C:\\Teil.ipt C:\\fehlt.txt"), (std::vector<std::string>{
+                                                       "0 text \"Properties werden aktualisiert...\"",
+                                                       "0 show 490,477 300x70",
+                                                       "0 paint \"Properties werden aktualisiert...\"",
+                                                       "0 error box \"Velmora\": E/A-Fehler 104",
+                                                       "1000 box closed",
+                                                       "3600 quit",
+                                                   }));
+}
+
+TEST_F(ShellTest, StandsOverTheMiddleOfTheHost) {
+  struct {
+    UnicodeString Title;
+    TRect Bounds;
+    int Dpi;
+    std::string Placed;
+  } const cases[] = {
+      {u"Projekt - VelMora 12", {0, 0, 1920, 1080}, 96, "810,505 300x70"},
+      {u"VelMora", {0, 0, 801, 601}, 96, "250,265 300x70"},
+      {u"VelMora", {-500, -300, -99, 100}, 96, "-450,-135 300x70"},  // no clamping to the screen
+      {u"VelMora", {0, 0, 1920, 1080}, 144, "810,505 450x105"},  // the offsets do not scale, the size does
+      {u"Velmora", {0, 0, 1920, 1080}, 96, "490,477 300x70"},    // another case: no host
+      {u"VELMORA velmora", {0, 0, 1920, 1080}, 96, "490,477 300x70"},
+      {UnicodeString(247, u'x') + u"VelMora", {0, 0, 1920, 1080}, 96, "810,505 300x70"},
+      {UnicodeString(248, u'x') + u"VelMora",
+       {0, 0, 1920, 1080},
+       96,
+       "490,477 300x70"},  // cut off in the title
+  };
+  for (const auto& test : cases) {
+    TDesktopWindow other{u"Anderes", {5, 5, 10, 10}};
+    TDesktopWindow host{test.Title, test.Bounds};
+    TDesktopWindow behind{u"VelMora", {100, 100, 200, 200}};
+    Machine().ZOrder = {&other, &host};
+    if (test.Placed.starts_with("810")) Machine().ZOrder.push_back(&behind);  // the first in Z order wins
+    Machine().Dpi = test.Dpi;
+    EXPECT_EQ(Placed(), test.Placed) << Utf8FromText(test.Title);
+    EXPECT_EQ(Machine().ZOrder.front(), &other) << "the program's own windows have gone";
+    Machine().ZOrder.clear();
+  }
+}
+
+TEST_F(ShellTest, ReadsItsSettings) {
+  struct {
+    const char* Lines;
+    bool RemovesHint;
+  } const cases[] = {
+      {"", true},
+      {"INV_AutoRemoveHint=0", false},
+      {"INV_AutoRemoveHint=0x0", false},
+      {"INV_AutoRemoveHint=$0", false},
+      {"inv_autoremovehint = 0 ", false},
+      {"INV_AutoRemoveHint=0x", true},
+      {"INV_AutoRemoveHint=0X10", true},
+      {"INV_AutoRemoveHint=-1", true},
+      {"INV_AutoRemoveHint=False", true},
+      {"INV_AutoRemoveHint=", true},
+      {"INV_IndexHint=\nINV_AutoRemoveHint=0", false},
+  };
+  Simulation.PastEnd = TPastEnd::Empty;
+  for (const auto& test : cases) {
+    WriteFile(kSettingsFile, std::string("[Andere]\r\nINV_AutoRemoveHint=0\r\n[inventor]\r\n") + test.Lines);
+    WriteFile(u"C:\\Teil.ipt", DocumentWith(TextProperty("IndexHinweis", "alt")));
+    Run(kRun);
+    EXPECT_EQ(std::ranges::count(Trace, "property.Delete()") != 0, test.RemovesHint) << test.Lines;
+  }
+}
+
+TEST_F(ShellTest, MakesTheDatabaseFolderAndNothingElse) {
+  const auto entries = [](const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+      names.push_back(entry.path().filename());
+    return names;
+  };
+  Run(kRun);
+  EXPECT_EQ(entries(headless::HostPath(u"C:\\Users\\Größe\\AppData\\VelMora")),
+            (std::vector<std::string>{"DBExt"}));
+  Machine().Environment.erase(u"APPDATA");
+  Run(kRun);
+  EXPECT_EQ(entries(headless::HostPath(u"\\VelMora")), (std::vector<std::string>{"DBExt"}));
+  // Where it cannot be made the program works on without it.
+  Machine().Environment[u"APPDATA"] = u"C:\\Teil.ipt";
+  EXPECT_EQ(Run(kRun).back(), "1500 quit");
+}
+
+TEST_F(ShellTest, AMissingComponentIsReportedLikeAnyError) {
+  TApplication application(u"Velmora");
+  TfrmMain form;
+  Machine().CommandLine = UnicodeString(u"v.exe ").append(kRun);
+  Machine().CreateServer = nullptr;
+  application.CreateForm(form);
+  application.Run();
+  EXPECT_EQ(Machine().Log.at(3), "0 error box \"Velmora\": Klasse nicht registriert");
+  EXPECT_EQ(frmMain, &form);
+}

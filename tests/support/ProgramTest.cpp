@@ -1,0 +1,57 @@
+#include "tests/support/ProgramTest.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "platform/EntryPoint.h"
+
+namespace {
+
+std::string Load(const UnicodeString& path) {
+  std::ifstream stream(headless::HostPath(path), std::ios::binary);
+  if (!stream) throw EError(TErrorKind::InputOutput, 2, u"Datei nicht gefunden");
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void Store(const UnicodeString& path, const std::string& bytes) {
+  std::ofstream(headless::HostPath(path), std::ios::binary) << bytes;
+}
+
+}  // namespace
+
+std::vector<std::string> TProgramTest::Run(TextView arguments) {
+  Trace.clear();
+  TSimulatorSettings settings = Simulation;
+  settings.Trace = [this](std::string_view line) { Trace.emplace_back(line); };
+  settings.Sleep = [](int milliseconds) { headless::Machine().Now += milliseconds; };
+  fSimulator = std::make_unique<TSimulator>(TFileAccess{Load, Store}, settings);
+
+  headless::TMachine& machine = headless::Machine();
+  machine.Now = 0;
+  machine.Log.clear();
+  machine.CommandLine = UnicodeString(u"\"C:\\Programme\\VelmoraInventor.exe\" ").append(arguments);
+  machine.CreateServer = [this] { return fSimulator->CreateServer(); };
+  ProgramMain();
+  return machine.Log;
+}
+
+std::vector<std::string> TProgramTest::Calls() const {
+  std::vector<std::string> calls;
+  std::ranges::copy_if(Trace, std::back_inserter(calls), [](const std::string& line) {
+    return !line.ends_with(".Create") && !line.ends_with(".Release");
+  });
+  return calls;
+}
+
+std::string DocumentWith(const std::string& properties, const std::string& more) {
+  return "{\n  \"displayName\": \"Teil\"," + more +
+         "\n  \"propertySets\": [{\"name\": \"A\", \"properties\": []}, {\"name\": \"B\", \"properties\": "
+         "[]},"
+         " {\"name\": \"C\", \"properties\": []},\n    {\"name\": \"D\", \"properties\": [" +
+         properties + "]}]\n}\n";
+}
+
+std::string TextProperty(const std::string& name, const std::string& value) {
+  return R"({"name": ")" + name + R"(", "type": "text", "value": ")" + value + "\"}";
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+#include "platform/headless/Machine.h"
+
+/// A fresh machine with an empty disk of its own, TEMP and APPDATA set; the disk is removed at the end.
+class TMachineTest : public testing::Test {
+ protected:
+  TMachineTest();
+  ~TMachineTest() override;
+
+  /// Writes a file under its Windows name, with its folders.
+  static void WriteFile(TextView path, std::string_view bytes);
+  static std::string ReadFile(TextView path);
+};
+
+/// Makes Machine() anew; its disk is the folder `root`.
+void ResetMachine(const std::filesystem::path& root);
