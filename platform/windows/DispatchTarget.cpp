@@ -1,0 +1,138 @@
+#include "platform/DispatchTarget.h"
+
+#include <windows.h>
+
+#include <oaidl.h>
+#include <oleauto.h>
+
+#include <atomic>
+#include <bit>
+#include <exception>
+#include <iterator>
+#include <optional>
+#include <vector>
+
+#include "platform/Error.h"
+#include "platform/windows/VariantConversion.h"
+
+namespace {
+
+// Answered by our own objects alone: tells them from all others.
+constexpr GUID kOwnTarget{0x5D0E3B8C, 0x7A41, 0x4E57, {0x9C, 0x16, 0x2F, 0x83, 0xD4, 0x60, 0xB7, 0x1A}};
+
+/// A DISPPARAMS kind flag that stands alone; strict where the system would take a combination.
+std::optional<TInvokeKind> KindOf(WORD flags) {
+  switch (flags) {
+    case DISPATCH_METHOD:
+      return TInvokeKind::Method;
+    case DISPATCH_PROPERTYGET:
+      return TInvokeKind::Get;
+    case DISPATCH_PROPERTYPUT:
+      return TInvokeKind::Put;
+    default:
+      return std::nullopt;
+  }
+}
+
+HRESULT CheckNames(TInvokeKind kind, const DISPPARAMS& parameters) {
+  if (kind != TInvokeKind::Put) return parameters.cNamedArgs == 0 ? S_OK : DISP_E_NONAMEDARGS;
+  const bool named = parameters.cNamedArgs == 1 && parameters.rgdispidNamedArgs[0] == DISPID_PROPERTYPUT;
+  return named ? S_OK : DISP_E_PARAMNOTOPTIONAL;
+}
+
+std::vector<TVariant> Arguments(const DISPPARAMS& parameters) {
+  std::vector<TVariant> arguments;
+  for (UINT i = parameters.cArgs; i > 0; --i) arguments.push_back(FromComVariant(parameters.rgvarg[i - 1]));
+  return arguments;
+}
+
+HRESULT Fail(EXCEPINFO* info, std::int32_t code, TextView description, TextView source) {
+  if (info == nullptr) return DISP_E_EXCEPTION;
+  *info = {};
+  info->scode = code;
+  info->bstrDescription = MakeBstr(description);
+  info->bstrSource = MakeBstr(source);
+  return DISP_E_EXCEPTION;
+}
+
+// COM's interfaces have no virtual destructor: an object frees itself, by its full type.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
+/// IDispatch around a target. Counted by COM; frees itself.
+class TComTarget final : public IDispatch {
+ public:
+  TComTarget(std::shared_ptr<TDispatchTarget> target, const TGuid* iid) : fTarget(std::move(target)) {
+    if (iid != nullptr) fExtra = std::bit_cast<GUID>(*iid);
+  }
+
+  const std::shared_ptr<TDispatchTarget>& Target() const { return fTarget; }
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    const bool known = iid == IID_IUnknown || iid == IID_IDispatch || iid == kOwnTarget || iid == fExtra;
+    *object = known ? this : nullptr;
+    if (known) AddRef();
+    return known ? S_OK : E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++fReferences; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = --fReferences;
+    if (left == 0) delete this;
+    return left;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return DISP_E_UNKNOWNNAME;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters,
+                                   VARIANT* result, EXCEPINFO* info, UINT*) override {
+    try {
+      return Answer(id, flags, *parameters, result);
+    } catch (const EError& error) {
+      return error.Message().empty() ? error.Code()
+                                     : Fail(info, error.Code(), error.Message(), error.Source());
+    } catch (const std::exception& error) {
+      return Fail(info, kUnexpectedFailure, TextFromUtf8(error.what()), {});
+    }
+  }
+
+ private:
+  ~TComTarget() = default;
+
+  HRESULT Answer(DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result) {
+    const auto kind = KindOf(flags);
+    if (!kind) return DISP_E_MEMBERNOTFOUND;
+    if (const HRESULT refused = CheckNames(*kind, parameters); FAILED(refused)) return refused;
+    const TVariant value = fTarget->Invoke(id, *kind, Arguments(parameters));
+    if (result != nullptr) {
+      ::VariantInit(result);
+      AssignComVariant(*result, value);
+    }
+    return S_OK;
+  }
+
+  std::shared_ptr<TDispatchTarget> fTarget;
+  GUID fExtra = kOwnTarget;
+  std::atomic<ULONG> fReferences = 1;
+};
+
+#pragma GCC diagnostic pop
+
+}  // namespace
+
+TDispatch MakeDispatch(std::shared_ptr<TDispatchTarget> target, const TGuid* iid) {
+  return AdoptComObject(new TComTarget(std::move(target), iid));
+}
+
+std::shared_ptr<TDispatchTarget> TargetOf(const TDispatch& reference) {
+  if (!reference) return nullptr;
+  void* found = nullptr;
+  if (FAILED(ComObject(reference)->QueryInterface(kOwnTarget, &found))) return nullptr;
+  const TDispatch held = AdoptComObject(static_cast<IDispatch*>(found));
+  return static_cast<TComTarget*>(ComObject(held))->Target();
+}

@@ -1,0 +1,51 @@
+#include "platform/System.h"
+
+#include <array>
+
+#include "platform/windows/Wide.h"
+
+namespace {
+
+constexpr std::size_t kLongestProfileValue = 2047;
+
+void TrimEnd(UnicodeString& text) {
+  const std::size_t last = text.find_last_not_of(u" \t\r\n");
+  text.resize(last == UnicodeString::npos ? 0 : last + 1);
+}
+
+}  // namespace
+
+UnicodeString CommandLine() {
+  return UnicodeString(FromWide(::GetCommandLineW()));
+}
+
+UnicodeString EnvironmentVariable(TextView name) {
+  const UnicodeString key(name);
+  UnicodeString value(::GetEnvironmentVariableW(Wide(key), nullptr, 0), u'\0');
+  value.resize(::GetEnvironmentVariableW(Wide(key), WideBuffer(value), static_cast<DWORD>(value.size())));
+  return value;
+}
+
+UnicodeString SystemErrorText(std::int32_t code) {
+  std::array<wchar_t, 1024> buffer{};
+  const DWORD flags =
+      FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_ARGUMENT_ARRAY;
+  const DWORD length = ::FormatMessageW(flags, nullptr, static_cast<DWORD>(code), 0, buffer.data(),
+                                        static_cast<DWORD>(buffer.size()), nullptr);
+  UnicodeString text(FromWide(buffer.data(), length));
+  TrimEnd(text);
+  return !text.empty() ? text : u"Systemfehler " + HexText(static_cast<std::uint32_t>(code));
+}
+
+UnicodeString ReadProfileText(TextView file, TextView section, TextView key, TextView fallback) {
+  UnicodeString value(kLongestProfileValue + 1, u'\0');
+  const DWORD length = ::GetPrivateProfileStringW(
+      Wide(UnicodeString(section)), Wide(UnicodeString(key)), Wide(UnicodeString(fallback)),
+      WideBuffer(value), static_cast<DWORD>(value.size()), Wide(UnicodeString(file)));
+  value.resize(length);
+  return value;
+}
+
+void FlushProfile(TextView file) {
+  ::WritePrivateProfileStringW(nullptr, nullptr, nullptr, Wide(UnicodeString(file)));
+}

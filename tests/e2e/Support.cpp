@@ -1,0 +1,190 @@
+#include "tests/e2e/Support.h"
+
+#include <array>
+#include <cwchar>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+std::wstring ExecutablePath() {
+  std::wstring name(32'768, L'\0');
+  name.resize(::GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
+  return (std::filesystem::path(name).parent_path() / L"VelmoraInventor.exe").wstring();
+}
+
+/// This process's environment with `changes`, as CreateProcess takes it.
+std::wstring EnvironmentBlock(const TProgram::TEnvironment& changes) {
+  TProgram::TEnvironment variables;
+  wchar_t* const all = ::GetEnvironmentStringsW();
+  for (const wchar_t* entry = all; *entry != L'\0'; entry += std::wcslen(entry) + 1) {
+    const std::wstring text(entry);
+    const std::size_t equals = text.find(L'=', 1);
+    variables[text.substr(0, equals)] = text.substr(equals + 1);
+  }
+  ::FreeEnvironmentStringsW(all);
+  for (const auto& [name, value] : changes) variables[name] = value;
+  std::wstring block;
+  for (const auto& [name, value] : variables) block.append(name + L"=" + value).push_back(L'\0');
+  block.push_back(L'\0');
+  return block;
+}
+
+struct TPipe {
+  TFileHandle Read;
+  TFileHandle Write;
+};
+
+/// A pipe that holds `text` and whose writer has gone.
+TFileHandle PipeWith(const std::string& text) {
+  HANDLE read = nullptr;
+  HANDLE write = nullptr;
+  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+  ::CreatePipe(&read, &write, &inherited, static_cast<DWORD>(text.size() + 1));
+  const TFileHandle writer(write);
+  DWORD written = 0;
+  ::WriteFile(write, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+  return TFileHandle(read);
+}
+
+}  // namespace
+
+bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
+  const ULONGLONG end = ::GetTickCount64() + milliseconds;
+  while (!condition()) {
+    if (::GetTickCount64() > end) return false;
+    ::Sleep(5);
+  }
+  return true;
+}
+
+std::wstring TextOf(HWND window) {
+  // Asks no message of the window: it does not answer while a task runs.
+  std::array<wchar_t, 4096> text{};
+  const int length = ::InternalGetWindowText(window, text.data(), static_cast<int>(text.size()));
+  return {text.data(), static_cast<std::size_t>(length)};
+}
+
+std::wstring ClassOf(HWND window) {
+  std::array<wchar_t, 256> name{};
+  const int length = ::GetClassNameW(window, name.data(), static_cast<int>(name.size()));
+  return {name.data(), static_cast<std::size_t>(length)};
+}
+
+THostWindow::THostWindow(const wchar_t* title, RECT bounds, bool visible)
+    : fWindow(::CreateWindowExW(0, L"STATIC", title, WS_POPUP | WS_BORDER, bounds.left, bounds.top,
+                                bounds.right - bounds.left, bounds.bottom - bounds.top, nullptr, nullptr,
+                                nullptr, nullptr)) {
+  const UINT show = visible ? SWP_SHOWWINDOW : 0;
+  ::SetWindowPos(fWindow, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | show);
+}
+
+TProgram::TProgram(const std::wstring& arguments, const TEnvironment& changes,
+                   const std::optional<std::string>& standardInput) {
+  const std::wstring executable = ExecutablePath();
+  std::wstring commandLine = L"\"" + executable + L"\" " + arguments;
+  std::wstring environment = EnvironmentBlock(changes);
+  const TFileHandle input = standardInput ? PipeWith(*standardInput) : TFileHandle();
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  if (input) {
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = input.Get();
+  }
+  PROCESS_INFORMATION process{};
+  const DWORD flags = CREATE_UNICODE_ENVIRONMENT | DETACHED_PROCESS;
+  if (!::CreateProcessW(executable.c_str(), commandLine.data(), nullptr, nullptr, TRUE, flags,
+                        environment.data(), nullptr, &startup, &process)) {
+    ADD_FAILURE() << "cannot start the program: " << ::GetLastError();
+    return;
+  }
+  const TFileHandle thread(process.hThread);
+  fProcess.Reset(process.hProcess);
+  fId = process.dwProcessId;
+}
+
+TProgram::~TProgram() {
+  if (!fProcess || HasEnded()) return;
+  ::TerminateProcess(fProcess.Get(), 1);
+  ::WaitForSingleObject(fProcess.Get(), 10'000);
+}
+
+HWND TProgram::FindOwnWindow(const wchar_t* className) const {
+  for (HWND window = ::GetTopWindow(nullptr); window != nullptr; window = ::GetWindow(window, GW_HWNDNEXT)) {
+    DWORD owner = 0;
+    ::GetWindowThreadProcessId(window, &owner);
+    if (owner == fId && ClassOf(window) == className && ::IsWindowVisible(window)) return window;
+  }
+  return nullptr;
+}
+
+HWND TProgram::StatusWindow() const {
+  HWND window = nullptr;
+  WaitUntil([&] { return (window = FindOwnWindow(L"TfrmMain")) != nullptr || HasEnded(); });
+  return window;
+}
+
+HWND TProgram::MessageBox() const {
+  HWND window = nullptr;
+  WaitUntil([&] { return (window = FindOwnWindow(L"#32770")) != nullptr || HasEnded(); });
+  return window;
+}
+
+std::wstring TProgram::StatusText() const {
+  const HWND form = FindOwnWindow(L"TfrmMain");
+  const HWND panel = ::FindWindowExW(form, nullptr, L"TPanel", nullptr);
+  return TextOf(::FindWindowExW(panel, nullptr, L"STATIC", nullptr));
+}
+
+bool TProgram::WaitForStatus(const std::wstring& text) const {
+  return WaitUntil([&] { return StatusText() == text || HasEnded(); }) && !HasEnded();
+}
+
+std::optional<DWORD> TProgram::WaitForExit() const {
+  DWORD code = 0;
+  if (!WaitUntil([this] { return HasEnded(); }) || !::GetExitCodeProcess(fProcess.Get(), &code))
+    return std::nullopt;
+  return code;
+}
+
+EndToEnd::EndToEnd() {
+  static int folders = 0;
+  const std::wstring name =
+      L"velmora-" + std::to_wstring(::GetCurrentProcessId()) + L"-" + std::to_wstring(++folders);
+  fFolder = (std::filesystem::temp_directory_path() / name).wstring();
+  std::filesystem::create_directories(Path(L"AppData"));
+}
+
+EndToEnd::~EndToEnd() {
+  std::error_code ignored;
+  std::filesystem::remove_all(fFolder, ignored);
+}
+
+void EndToEnd::WriteFile(const std::wstring& name, const std::string& bytes) const {
+  const std::filesystem::path path(Path(name));
+  std::filesystem::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string EndToEnd::ReadFile(const std::wstring& name) const {
+  std::ifstream stream(std::filesystem::path(Path(name)), std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+bool EndToEnd::Exists(const std::wstring& name) const {
+  return std::filesystem::exists(Path(name));
+}
+
+TProgram::TEnvironment EndToEnd::Environment(TProgram::TEnvironment more) const {
+  more[L"APPDATA"] = Path(L"AppData");
+  more[L"APPRENTICE_TRACE"] = Path(L"trace.txt");
+  return more;
+}
+
+std::vector<std::string> EndToEnd::Trace() const {
+  std::ifstream stream(std::filesystem::path(Path(L"trace.txt")));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <windows.h>
+
+#include "platform/Handle.h"
+
+struct TFontTraits {
+  using THandle = HFONT;
+  static THandle None() noexcept { return nullptr; }
+  static void Close(THandle handle) noexcept { ::DeleteObject(handle); }
+};
+using TFontHandle = TUniqueHandle<TFontTraits>;
+
+/// The drawing surface of a WM_PAINT, for as long as it is handled.
+class TPaintScope {
+ public:
+  explicit TPaintScope(HWND window) : fWindow(window) { ::BeginPaint(window, &fPaint); }
+  ~TPaintScope() { ::EndPaint(fWindow, &fPaint); }
+  TPaintScope(const TPaintScope&) = delete;
+  TPaintScope& operator=(const TPaintScope&) = delete;
+
+  HDC Dc() const noexcept { return fPaint.hdc; }
+
+ private:
+  HWND fWindow;
+  PAINTSTRUCT fPaint{};
+};
+
+/// Puts the surface's earlier drawing objects back at the end.
+class TSavedDc {
+ public:
+  explicit TSavedDc(HDC dc) : fDc(dc), fSaved(::SaveDC(dc)) {}
+  ~TSavedDc() { ::RestoreDC(fDc, fSaved); }
+  TSavedDc(const TSavedDc&) = delete;
+  TSavedDc& operator=(const TSavedDc&) = delete;
+
+ private:
+  HDC fDc;
+  int fSaved;
+};
+
+/// The face of a panel: a lowered outer and a raised inner bevel, each `bevel` pixels wide, in the user's
+/// colours.
+void PaintPanel(HDC dc, const RECT& area, int bevel);
+
+/// `text` centred both ways in `area`, its lines broken at carriage returns only.
+void PaintCentredText(HDC dc, const RECT& area, const wchar_t* text, HFONT font);

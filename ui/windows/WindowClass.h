@@ -1,0 +1,41 @@
+#pragma once
+
+#include <windows.h>
+
+#include "platform/Error.h"
+#include "platform/Handle.h"
+#include "platform/System.h"
+#include "platform/windows/Wide.h"
+
+struct TWindowTraits {
+  using THandle = HWND;
+  static THandle None() noexcept { return nullptr; }
+  static void Close(THandle handle) noexcept { ::DestroyWindow(handle); }
+};
+using TWindow = TUniqueHandle<TWindowTraits>;
+
+inline HINSTANCE ProgramInstance() noexcept {
+  return ::GetModuleHandleW(nullptr);
+}
+
+/// The system error that the last call left.
+inline EError LastSystemError() {
+  const auto code = static_cast<std::int32_t>(::GetLastError());
+  return {TErrorKind::System, code, SystemErrorText(code)};
+}
+
+/// Makes a window class known; one that is known already stays as it is.
+inline void RegisterWindowClass(TextView name, WNDPROC procedure, HICON icon = nullptr) {
+  const UnicodeString className(name);
+  WNDCLASSEXW windowClass{};
+  windowClass.cbSize = sizeof windowClass;
+  windowClass.lpfnWndProc = procedure;
+  windowClass.hInstance = ProgramInstance();
+  windowClass.hIcon = icon;
+  windowClass.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
+  windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+  windowClass.lpszClassName = Wide(className);
+  if (::RegisterClassExW(&windowClass) == 0 && ::GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
+    throw LastSystemError();
+  }
+}
