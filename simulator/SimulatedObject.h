@@ -31,8 +31,10 @@ class TSimulatedObject : public TDispatchTarget {
  public:
   TVariant Invoke(std::int32_t id, TInvokeKind kind, std::span<const TVariant> arguments) final;
 
+  /// What the object is called in the trace.
+  std::string_view ClassName() const noexcept { return fClassName; }
+
  protected:
-  /// `className` begins the object's lines in the trace.
   TSimulatedObject(TSimulator& simulator, std::string_view className)
       : fSimulator(simulator), fClassName(className), fAlive(simulator) {}
 

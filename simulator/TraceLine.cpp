@@ -28,9 +28,21 @@ std::string PlainValue(const TVariant& value) {
   return json.is_string() ? json.get<std::string>() : json.dump();  // a date stands without quotes
 }
 
+/// What one of our objects is called in the trace; "object" for null and for what others have made.
+std::string ObjectName(const TVariant& value) {
+  try {
+    const auto object = std::dynamic_pointer_cast<TSimulatedObject>(TargetOf(value.AsObject()));
+    if (object != nullptr) return std::string(object->ClassName());
+  } catch (const EError&) {
+    return "object";  // null: a variant does not tell otherwise
+  }
+  return "object";
+}
+
 /// The type and, where it has one, the value.
 std::string TypedValue(const TVariant& value) {
-  if (value.Type() == TVarType::Dispatch || value.Type() == TVarType::Unknown) return "object";
+  if (value.Type() == TVarType::Dispatch) return "dispatch " + ObjectName(value);
+  if (value.Type() == TVarType::Unknown) return "unknown " + ObjectName(value);
   const std::string name(simulator::TypeName(value.Type()));
   if (name.empty()) return "type " + std::to_string(static_cast<int>(value.Type()));
   if (value.Type() == TVarType::Empty || value.Type() == TVarType::Null) return name;
@@ -45,6 +57,7 @@ std::string Argument(const TMember* member, std::size_t index, const TVariant& v
     const bool text = declared == TParameter::Text && value.Type() == TVarType::Text;
     const bool integer = declared == TParameter::Integer && value.Type() == TVarType::Int32;
     if (text || integer) return PlainValue(value);
+    if (declared == TParameter::Unknown && value.Type() == TVarType::Unknown) return ObjectName(value);
   }
   return TypedValue(value);
 }

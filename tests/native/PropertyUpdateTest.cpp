@@ -192,7 +192,7 @@ TEST_F(PropertyUpdateTest, FetchesTheWholeChainForEveryAccess) {
   property(1, "Value := text \"neu\"");
   property(1, "Name = \"Name\"");
   property(2, "Value = integer 7");
-  property(3, "Value = date \"2024-03-15\"");
+  property(3, "Value = date 2024-03-15");
   property(4, "Value = boolean true");
   text(5, kIndex, "a", true);
   property(5, "Value := text \"b\"");
