@@ -5,8 +5,10 @@
 #include "app/HostWindow.h"
 #include "app/Settings.h"
 #include "app/UpdateReport.h"
+#include "inventor/DrawingReference.h"
 #include "inventor/PropertyUpdate.h"
 #include "platform/System.h"
+#include "ui/Application.h"
 
 TfrmMain* frmMain = nullptr;
 
@@ -67,7 +69,10 @@ void TfrmMain::FormShow() {
   PlaceOver(HostRect(Handle()));
 
   const UnicodeString task = arguments.Argument(1);
-  if (task == u"/P") RunPropertyUpdate(arguments.Argument(2), arguments.Argument(3));
+  const UnicodeString file = arguments.Argument(2);
+  if (task == u"/P") RunPropertyUpdate(file, arguments.Argument(3));
+  if (task == u"/R") RunReferenceChange(file);
+  if (task == u"/RI") RunHintRemoval(file);
 }
 
 void TfrmMain::PlaceOver(const TRect& rect) {
@@ -95,9 +100,37 @@ void TfrmMain::RunPropertyUpdate(const UnicodeString& file, const UnicodeString&
   RestartCloseTimer();
 }
 
+void TfrmMain::RunReferenceChange(const UnicodeString& file) {
+  CloseTimer.Enable();
+  ShowStatus(u"Referenz wird geändert...");
+  if (!ChangeDrawingReference(file)) {
+    Close();
+    return;
+  }
+  lbStatus.SetCaption(u"IDW Referenz geändert.");
+  RestartCloseTimer();
+}
+
+void TfrmMain::RunHintRemoval(const UnicodeString& file) {
+  CloseTimer.Enable();
+  ShowStatus(u"Indexhinweis wird entfernt...");
+  RemoveIndexHint(file);
+  RestartCloseTimer();
+}
+
 std::int32_t TfrmMain::UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
                                         std::int32_t& updatedCount) {
   return ::UpdateProperties(fileName, listFileName, updatedCount, {fIndexProp, fIndexHint, fAutoRemoveHint});
+}
+
+bool TfrmMain::ChangeDrawingReference(const UnicodeString& fileName) {
+  return ::ChangeDrawingReference(fileName, [] {
+    Application->MessageBox(u"Für diesen Befehl muss die IDW Datei vorher mit Inventor Migriert werden.");
+  });
+}
+
+bool TfrmMain::RemoveIndexHint(const UnicodeString& fileName) {
+  return ::RemoveIndexHint(fileName);
 }
 
 void TfrmMain::CloseTimerTimer() {

@@ -28,6 +28,8 @@ class TfrmMain : public TForm {
 
   void PlaceOver(const TRect& rect);
   void RunPropertyUpdate(const UnicodeString& file, const UnicodeString& listFile);
+  void RunReferenceChange(const UnicodeString& file);
+  void RunHintRemoval(const UnicodeString& file);
 
   /// Shows the text at once: the task that follows blocks the message loop.
   void ShowStatus(TextView text);
@@ -36,6 +38,8 @@ class TfrmMain : public TForm {
 
   std::int32_t UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
                                 std::int32_t& updatedCount);
+  bool ChangeDrawingReference(const UnicodeString& fileName);
+  bool RemoveIndexHint(const UnicodeString& fileName);
 
   TTimer CloseTimer;
   TPanel clientPanel;

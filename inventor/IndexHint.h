@@ -23,3 +23,7 @@ struct TIndexSettings {
 /// not look whether the document has one already.
 bool AddIndexHint(const TDocument& document, const UnicodeString& oldIndex, const UnicodeString& newIndex,
                   const UnicodeString& hint);
+
+/// Removes the first hint of a document and returns whether there was one. Only then the file is written. At
+/// most one goes; a property of that name that holds no text is none. Throws EError.
+bool RemoveIndexHint(const UnicodeString& fileName);

@@ -1,0 +1,11 @@
+#include "platform/Path.h"
+
+TextView FileExtension(TextView fileName) {
+  const std::size_t last = fileName.find_last_of(u".\\:");
+  return last != TextView::npos && fileName[last] == u'.' ? fileName.substr(last) : TextView();
+}
+
+UnicodeString ChangeFileExtension(TextView fileName, TextView extension) {
+  fileName.remove_suffix(FileExtension(fileName).size());
+  return UnicodeString(fileName).append(extension);
+}

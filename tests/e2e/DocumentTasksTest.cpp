@@ -1,0 +1,123 @@
+#include <algorithm>
+
+#include "platform/windows/Wide.h"
+#include "tests/e2e/Support.h"
+
+namespace {
+
+const std::wstring kMigration = L"Für diesen Befehl muss die IDW Datei vorher mit Inventor Migriert werden.";
+const std::string kSets =
+    R"("propertySets": [{"name": "1"}, {"name": "2"}, {"name": "3"}, {"name": "4", "properties": [
+      {"name": "A", "type": "text", "value": "1"}, {"name": "IndexHinweis", "type": "text", "value": "alt"}]}])";
+
+/// A message box has the control for its icon in any case; without an icon it is empty.
+bool HasIcon(HWND box) {
+  return ::SendMessageW(::GetDlgItem(box, 1088), STM_GETICON, 0, 0) != 0;
+}
+
+class DocumentTasks : public EndToEnd {
+ protected:
+  void SetUp() override {
+    WriteFile(L"Größe & Co's.v2\\Teil 4711.idw",
+              "{\"references\": [\"X:\\\\Alt\\\\a.ipt\", \"X:\\\\V1.2\\\\Rohling\"], " + kSets + "}");
+    WriteFile(L"alt.idw", "{\"needsMigration\": 1, \"references\": [\"a.ipt\"], " + kSets + "}");
+    WriteFile(L"Teil.ipt", "{" + kSets + "}");
+  }
+
+  std::wstring Arguments(const std::wstring& task, const std::wstring& file) const {
+    return task + L" \"" + Path(file) + L"\"";
+  }
+  std::string Utf8Path(const std::wstring& name) const { return Utf8FromText(FromWide(Path(name).c_str())); }
+  std::string TraceText() const {
+    std::string text;
+    for (const std::string& line : Trace()) text += line + "\n";
+    return text;
+  }
+};
+
+}  // namespace
+
+TEST_F(DocumentTasks, TheReferencesOfADrawingAreChanged) {
+  const std::wstring drawing = L"Größe & Co's.v2\\Teil 4711.idw";
+  const TProgram program(Arguments(L"/R", drawing), Environment({{L"APPRENTICE_DELAY_MS", L"400"}}));
+  EXPECT_TRUE(program.WaitForStatus(L"Referenz wird geändert..."));
+  EXPECT_TRUE(program.WaitForStatus(L"IDW Referenz geändert."));
+  const ULONGLONG shown = ::GetTickCount64();
+  EXPECT_EQ(program.WaitForExit(), 0U);
+  EXPECT_GT(::GetTickCount64() - shown, 1000U) << "the result stays long enough to be read";
+
+  const std::string name = Utf8Path(drawing);
+  const std::string base = name.substr(0, name.size() - 4);
+  EXPECT_EQ(TraceText(), "server.Create\nserver.OpenDocument(\"" + name +
+                             "\")\ndocument.NeedsMigration = false\ndocument.ReferencedFiles\n"
+                             "referencedfiles.Count = 2\nreferencedfiles.Item(1)\n"
+                             "referencedfile.FullFileName = \"X:\\Alt\\a.ipt\"\nreferencedfiles.Item(1)\n"
+                             "referencedfile.ReplaceReference(\"" +
+                             base +
+                             ".ipt\")\nreferencedfiles.Item(2)\n"
+                             "referencedfile.FullFileName = \"X:\\V1.2\\Rohling\"\nreferencedfiles.Item(2)\n"
+                             "referencedfile.ReplaceReference(\"" +
+                             base + "\")\nserver.SaveSet\nsaveset.AddDocumentToSave(document, \"" + name +
+                             "\")\nserver.SaveSet\nsaveset.ExecuteSave()\ndocument.CloseDocument()\n"
+                             "server.CloseServer()\ndocument.Release\nserver.Release\nalive 0\n");
+  EXPECT_NE(ReadFile(drawing).find("Teil 4711.ipt"), std::string::npos);
+}
+
+TEST_F(DocumentTasks, ADrawingToBeMigratedIsRefusedInABox) {
+  const std::string before = ReadFile(L"alt.idw");
+  for (const bool pressOk : {true, false}) {
+    const TProgram program(Arguments(L"/R", L"alt.idw"), Environment());
+    const HWND box = program.MessageBox();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(TextOf(box), L"Velmora");
+    EXPECT_EQ(TextOf(::GetDlgItem(box, 0xFFFF)), kMigration);
+    EXPECT_FALSE(HasIcon(box));
+    EXPECT_EQ(::GetWindow(box, GW_OWNER), program.StatusWindow());
+    const ULONGLONG opened = ::GetTickCount64();
+    if (pressOk) ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+    EXPECT_EQ(program.WaitForExit(), 0U);
+    if (!pressOk) {
+      EXPECT_GT(::GetTickCount64() - opened, 2000U) << "only the timer may close it";
+    }
+    EXPECT_EQ(ReadFile(L"alt.idw"), before);
+    const auto trace = Trace();
+    EXPECT_EQ(std::ranges::count(trace, "document.CloseDocument()"), pressOk ? 1 : 2);
+    EXPECT_EQ(std::ranges::count(trace, "server.CloseServer()"), pressOk ? 1 : 2);
+    EXPECT_EQ(trace.back(), "alive 0");
+  }
+}
+
+TEST_F(DocumentTasks, TheIndexHintIsRemoved) {
+  const TProgram program(Arguments(L"/RI", L"Teil.ipt"), Environment({{L"APPRENTICE_DELAY_MS", L"400"}}));
+  EXPECT_TRUE(program.WaitForStatus(L"Indexhinweis wird entfernt..."));
+  EXPECT_EQ(program.WaitForExit(), 0U);
+  EXPECT_EQ(ReadFile(L"Teil.ipt").find("IndexHinweis"), std::string::npos);
+  const auto trace = Trace();
+  EXPECT_EQ(std::ranges::count(trace, "property.Delete()"), 1);
+  EXPECT_EQ(std::ranges::count(trace, "propertysets.WritePropertiesToFile()"), 1);
+  EXPECT_EQ(std::ranges::count(trace, "server.CloseServer()"), 0);
+  EXPECT_EQ(trace.back(), "alive 0");
+}
+
+TEST_F(DocumentTasks, FailuresAreShownWithTheComponentsWords) {
+  struct {
+    TProgram::TEnvironment Changes;
+    std::wstring Text;
+  } const cases[] = {
+      {{{L"APPRENTICE_FAIL_CALL", L"2"},
+        {L"APPRENTICE_FAIL_TEXT", L"Erste Zeile\r\nZweite " + std::wstring(2000, L'x')}},
+       L"Erste Zeile\r\nZweite " + std::wstring(2000, L'x')},
+      {{{L"APPRENTICE_FAIL_CALL", L"2"}, {L"APPRENTICE_FAIL_RESULT", L"0xA0ABCDEF"}},
+       L"Systemfehler A0ABCDEF"},
+  };
+  for (const auto& test : cases) {
+    const TProgram program(Arguments(L"/RI", L"Teil.ipt"), Environment(test.Changes));
+    const HWND box = program.MessageBox();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(TextOf(::GetDlgItem(box, 0xFFFF)), test.Text);
+    EXPECT_TRUE(HasIcon(box));
+    ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+    EXPECT_EQ(program.WaitForExit(), 0U) << "with OK pressed in time the timer ends the program";
+  }
+  EXPECT_EQ(Trace().back(), "alive 0");
+}
