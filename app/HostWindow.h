@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include "platform/Desktop.h"
 #include "platform/Text.h"
 

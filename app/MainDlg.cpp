@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/CommandLine.h"
 #include "app/HostWindow.h"
 #include "app/Settings.h"
 #include "app/UpdateReport.h"
@@ -119,8 +120,8 @@ void TfrmMain::RunHintRemoval(const UnicodeString& file) {
 }
 
 std::int32_t TfrmMain::UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
-                                        std::int32_t& updatedCount) {
-  return ::UpdateProperties(fileName, listFileName, updatedCount, {fIndexProp, fIndexHint, fAutoRemoveHint});
+                                        std::int32_t& /*updatedCount*/) {
+  return ::UpdateProperties(fileName, listFileName, {fIndexProp, fIndexHint, fAutoRemoveHint});
 }
 
 bool TfrmMain::ChangeDrawingReference(const UnicodeString& fileName) {

@@ -2,8 +2,6 @@
 
 #include <cstdint>
 
-#include "app/CommandLine.h"
-#include "inventor/IndexHint.h"
 #include "platform/Text.h"
 #include "ui/Controls.h"
 #include "ui/Form.h"
@@ -17,15 +15,15 @@ class TfrmMain : public TForm {
   TfrmMain();
   ~TfrmMain();
 
-  UnicodeString AsmFileName;   ///< the assembly that /E exports
-  UnicodeString ProgrammPfad;  ///< per-user folder, with a backslash at its end
-  UnicodeString ProgrammIni;   ///< settings file
+  TTimer CloseTimer;
+  TPanel clientPanel;
+  TLabel lbStatus;
 
- private:
   void FormCreate();
   void FormShow();
   void CloseTimerTimer();
 
+ private:
   void PlaceOver(const TRect& rect);
   void RunPropertyUpdate(const UnicodeString& file, const UnicodeString& listFile);
   void RunReferenceChange(const UnicodeString& file);
@@ -36,17 +34,20 @@ class TfrmMain : public TForm {
   /// Starts the count-down anew, so that the result can be read before the window closes.
   void RestartCloseTimer();
 
+  /// Leaves `updatedCount` as the caller set it: updates are not counted.
   std::int32_t UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
                                 std::int32_t& updatedCount);
   bool ChangeDrawingReference(const UnicodeString& fileName);
   bool RemoveIndexHint(const UnicodeString& fileName);
 
-  TTimer CloseTimer;
-  TPanel clientPanel;
-  TLabel lbStatus;
   UnicodeString fIndexProp;
   UnicodeString fIndexHint;
   bool fAutoRemoveHint = true;
+
+ public:
+  UnicodeString AsmFileName;   ///< the assembly that /E exports
+  UnicodeString ProgrammPfad;  ///< per-user folder, with a backslash at its end
+  UnicodeString ProgrammIni;   ///< settings file
 };
 
 /// The status window while it lives.

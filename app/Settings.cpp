@@ -49,8 +49,9 @@ std::optional<std::int32_t> IntegerFromText(TextView text) {
   if (hexadecimal) text.remove_prefix(1);
 
   // Hexadecimal digits may fill all 32 bits ("$FFFFFFFF" is -1); decimal ones have the sign beside them.
-  const std::int64_t most = hexadecimal ? std::numeric_limits<std::uint32_t>::max()
-                                        : std::numeric_limits<std::int32_t>::max() + std::int64_t{negative};
+  const std::int64_t most = hexadecimal
+                                ? std::numeric_limits<std::uint32_t>::max()
+                                : std::numeric_limits<std::int32_t>::max() + (negative ? std::int64_t{1} : 0);
   const auto magnitude = Magnitude(text, hexadecimal ? 16 : 10, most);
   if (!magnitude) return std::nullopt;
   return static_cast<std::int32_t>(negative ? -*magnitude : *magnitude);

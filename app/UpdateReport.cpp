@@ -9,9 +9,8 @@ UnicodeString CreatedLine(std::int32_t created) {
   return DecimalText(created) + u" Properties neu angelegt...";
 }
 
-/// With its carriage return. The plural shows the number of created properties, not of updated ones,
-/// deliberately: the text stays as users know it, and as updates are not counted it does not appear in
-/// practice.
+/// With its carriage return. The plural shows the number of created properties, not of updated ones, and
+/// stays so deliberately: as updates are not counted, that text never reaches the screen.
 UnicodeString UpdatedLine(std::int32_t created, std::int32_t updated) {
   if (updated < 0) return {};
   if (updated == 0) return u"\rkeine Properties aktualisiert...";

@@ -67,9 +67,15 @@ std::int32_t CountOf(const TDispatch& object) {
   return Get(object, collection::kCount).AsInteger();
 }
 
+/// The object in a result; empty where the component answers with none. Only a use of it is an error then.
+TDispatch ObjectIn(const TVariant& result) {
+  return result.Type() == TVarType::Dispatch || result.Type() == TVarType::Unknown ? result.AsObject()
+                                                                                   : TDispatch();
+}
+
 TDispatch ItemOf(const TDispatch& object, std::int32_t index) {
   const std::array arguments{TVariant::Int32(index)};
-  return object.Invoke(collection::kItem, TInvokeKind::Get, arguments).AsObject();
+  return ObjectIn(object.Invoke(collection::kItem, TInvokeKind::Get, arguments));
 }
 
 }  // namespace
@@ -101,7 +107,7 @@ TProperty TPropertySet::Item(std::int32_t index) const {
 
 TProperty TPropertySet::AddProperty(const TVariant& value, const UnicodeString& name, std::int32_t id) const {
   const std::array arguments{value, TVariant::Text(name), TVariant::Int32(id)};
-  return TProperty(fReference.Invoke(property_set::kAddProperty, TInvokeKind::Method, arguments).AsObject());
+  return TProperty(ObjectIn(fReference.Invoke(property_set::kAddProperty, TInvokeKind::Method, arguments)));
 }
 
 std::int32_t TPropertySets::Count() const {
@@ -142,11 +148,11 @@ UnicodeString TDocument::DisplayName() const {
 }
 
 TPropertySets TDocument::PropertySets() const {
-  return TPropertySets(Get(fReference, document::kPropertySets).AsObject());
+  return TPropertySets(ObjectIn(Get(fReference, document::kPropertySets)));
 }
 
 TReferencedFiles TDocument::ReferencedFiles() const {
-  return TReferencedFiles(Get(fReference, document::kReferencedFiles).AsObject());
+  return TReferencedFiles(ObjectIn(Get(fReference, document::kReferencedFiles)));
 }
 
 bool TDocument::NeedsMigration() const {
@@ -170,11 +176,11 @@ TApprenticeServer::TApprenticeServer() : fReference(CreateInstance(kServerClass,
 
 TDocument TApprenticeServer::OpenDocument(const UnicodeString& fullFileName) const {
   const std::array arguments{TVariant::Text(fullFileName)};
-  return TDocument(fReference.Invoke(server::kOpenDocument, TInvokeKind::Method, arguments).AsObject());
+  return TDocument(ObjectIn(fReference.Invoke(server::kOpenDocument, TInvokeKind::Method, arguments)));
 }
 
 TSaveSet TApprenticeServer::SaveSet() const {
-  return TSaveSet(Get(fReference, server::kSaveSet).AsObject());
+  return TSaveSet(ObjectIn(Get(fReference, server::kSaveSet)));
 }
 
 void TApprenticeServer::CloseServer() const {

@@ -35,8 +35,8 @@ void RepointReferences(const TDocument& drawing, const UnicodeString& fileName) 
   }
 }
 
-/// The drawing and the server are closed whether or not the save succeeds: a drawing that stayed open in the
-/// component would be locked for the host. The user is told what went wrong first.
+/// The drawing and the server are closed whether or not the save succeeds, each even if closing the other
+/// fails. The user is told what went wrong first.
 void SaveAndClose(const TApprenticeServer& server, const TDocument& drawing, const UnicodeString& fileName) {
   TFirstError error;
   error.Try([&] {

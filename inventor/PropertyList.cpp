@@ -1,20 +1,28 @@
 #include "inventor/PropertyList.h"
 
+#include <algorithm>
+
 #include "platform/TextFile.h"
 
-std::optional<TPropertyList::TMatch> TPropertyList::Find(TextView name) const {
-  for (std::size_t position = 0; position < fEntries.size(); ++position) {
-    const TextView entry = fEntries[position];
-    for (std::size_t at = entry.find(u'='); at != TextView::npos; at = entry.find(u'=', at + 1)) {
-      if (SameText(entry.substr(0, at), name)) return TMatch{position, at + 1};
-    }
-  }
-  return std::nullopt;
+namespace {
+
+bool HasName(TextView entry, TextView name) {
+  return entry.size() > name.size() && entry[name.size()] == u'=' &&
+         SameText(entry.substr(0, name.size()), name);
+}
+
+}  // namespace
+
+int TPropertyList::Find(TextView name) const {
+  const auto found =
+      std::ranges::find_if(fEntries, [name](const UnicodeString& entry) { return HasName(entry, name); });
+  return found != fEntries.end() ? static_cast<int>(found - fEntries.begin()) : -1;
 }
 
 UnicodeString TPropertyList::Value(TextView name) const {
-  const auto match = Find(name);
-  return match ? fEntries[match->Position].substr(match->ValueStart) : UnicodeString();
+  const int position = Find(name);
+  return position >= 0 ? fEntries[static_cast<std::size_t>(position)].substr(name.size() + 1)
+                       : UnicodeString();
 }
 
 UnicodeString TPropertyList::NameAt(int position) const {
@@ -26,10 +34,8 @@ void TPropertyList::Append(TextView name, TextView value) {
   fEntries.push_back(UnicodeString(name).append(u"=").append(value));
 }
 
-void TPropertyList::Delete(TextView name) {
-  if (const auto match = Find(name)) {
-    fEntries.erase(fEntries.begin() + static_cast<std::ptrdiff_t>(match->Position));
-  }
+void TPropertyList::Delete(int position) {
+  fEntries.erase(fEntries.begin() + position);
 }
 
 TPropertyListFile ReadPropertyListFile(TextView fileName, TextView indexProperty) {
@@ -40,8 +46,8 @@ TPropertyListFile ReadPropertyListFile(TextView fileName, TextView indexProperty
     const UnicodeString name = file.ReadLine();
     const UnicodeString value = file.ReadLine();
     // Of several records with the same name the first with a value counts ...
-    if (!value.empty() && !result.Properties.Contains(name)) result.Properties.Append(name, value);
-    // ... but the new index is what the file says last, be it nothing: the host appends a corrected index.
+    if (!value.empty() && result.Properties.Find(name) < 0) result.Properties.Append(name, value);
+    // ... but the new index is what the file says last, be it nothing. Deliberately the opposite.
     if (name == indexProperty) result.NewIndex = value;
   } while (!file.AtEnd());
   return result;

@@ -1,35 +1,27 @@
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "platform/Text.h"
 
 /// The property values that the host hands over: an ordered list of texts "name=value". Every operation works
-/// on that text: a name is found wherever the text before one of its "=" equals it, without regard to case by
-/// the user's locale. So "A=B=v" is found by "A" (value "B=v") and by "A=B" (value "v"); the first match
-/// counts.
+/// on that text, so "A=B=v" is found by "A" (value "B=v") and by "A=B" (value "v"). Positions count from 0.
 class TPropertyList {
  public:
   int Count() const noexcept { return static_cast<int>(fEntries.size()); }
 
-  bool Contains(TextView name) const { return Find(name).has_value(); }
-  /// Empty when no entry has the name.
+  /// The first entry that begins with `name`, compared without regard to case by the user's locale, and "="
+  /// directly behind it; -1 when there is none.
+  int Find(TextView name) const;
+  /// What follows the name and its "=" in the entry that Find finds; empty when there is none.
   UnicodeString Value(TextView name) const;
-  /// The text before the first "=". `position` counts from 0 and must be below Count.
+  /// The text before the first "=".
   UnicodeString NameAt(int position) const;
 
   void Append(TextView name, TextView value);
-  /// Deletes the entry that the name is found in; without effect when there is none.
-  void Delete(TextView name);
+  void Delete(int position);
 
  private:
-  struct TMatch {
-    std::size_t Position;
-    std::size_t ValueStart;
-  };
-  std::optional<TMatch> Find(TextView name) const;
-
   std::vector<UnicodeString> fEntries;
 };
 

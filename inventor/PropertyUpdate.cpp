@@ -6,8 +6,7 @@
 namespace {
 
 /// One update of one open document. The chain from the document down to a property is fetched anew for every
-/// access: the component renumbers a set when a property goes, and a reference from before would name
-/// another.
+/// access: positions shift when a property goes, so nothing but the position is kept between two steps.
 class TPropertyUpdate {
  public:
   TPropertyUpdate(const TDocument& document, TPropertyList& list, const TIndexSettings& settings)
@@ -43,8 +42,8 @@ void TPropertyUpdate::UpdateExisting() {
 
 void TPropertyUpdate::UpdateOne(std::int32_t index) {
   if (Property(index).Name() == fSettings.IndexProp) fOldIndex = Property(index).Value().AsText();
-  // The value before the change. Nothing is counted from it (the report says that no property was updated),
-  // but reading it before the first write gives the component the chance to refuse while nothing has changed.
+  // The value before the change, for a comparison that counts nothing: the report says that no property was
+  // updated, whatever happens here.
   static_cast<void>(Property(index).Value());
   // Emptied first, so that a property that the list does not name ends up empty.
   Property(index).Value(TVariant::Text({}));
@@ -54,9 +53,10 @@ void TPropertyUpdate::UpdateOne(std::int32_t index) {
 
 void TPropertyUpdate::Refill(std::int32_t index) {
   const UnicodeString name = Property(index).Name();
-  if (!fList.Contains(name)) return;
+  const int position = fList.Find(name);
+  if (position < 0) return;
   Property(index).Value(TVariant::Text(fList.Value(name)));
-  fList.Delete(name);
+  fList.Delete(position);
 }
 
 std::int32_t TPropertyUpdate::CreateMissing() {
@@ -71,7 +71,7 @@ std::int32_t TPropertyUpdate::CreateMissing() {
 }  // namespace
 
 std::int32_t UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
-                              std::int32_t& /*updatedCount*/, const TIndexSettings& settings) {
+                              const TIndexSettings& settings) {
   TPropertyListFile list = ReadPropertyListFile(listFileName, settings.IndexProp);
   const TApprenticeServer server;
   const TDocument document = server.OpenDocument(fileName);

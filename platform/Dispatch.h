@@ -62,7 +62,7 @@ class TComApartment {
   TComApartment& operator=(const TComApartment&) = delete;
 
  private:
-  bool fInitialized = false;
+  [[maybe_unused]] bool fInitialized = false;
 };
 
 /// Creates the class `clsid`, in this process or in a local server, and asks the new object for `iid`, an

@@ -55,4 +55,3 @@ constexpr std::int32_t kMemberNotFound = HResult(0x80020003);
 constexpr std::int32_t kTypeMismatch = HResult(0x80020005);
 constexpr std::int32_t kBadIndex = HResult(0x8002000B);
 constexpr std::int32_t kBadParamCount = HResult(0x8002000E);
-constexpr std::int32_t kUnexpectedFailure = HResult(0x8000FFFF);

@@ -28,7 +28,6 @@ std::int16_t TVariant::AsVariantBool() const {
 }
 
 const TDispatch& TVariant::AsObject() const {
-  const auto* object = std::get_if<TDispatch>(&fValue);
-  if (object == nullptr || !*object) throw ComponentError(kTypeMismatch);
-  return *object;
+  if (const auto* object = std::get_if<TDispatch>(&fValue)) return *object;
+  throw ComponentError(kTypeMismatch);
 }

@@ -50,7 +50,7 @@ class TVariant {
   double AsDouble() const;             ///< Single, Double and Date
   bool AsBoolean() const;              ///< Boolean: anything but zero
   std::int16_t AsVariantBool() const;  ///< Boolean, as it was given
-  const TDispatch& AsObject() const;   ///< Dispatch and Unknown that are not null
+  const TDispatch& AsObject() const;   ///< Dispatch and Unknown; may be null
 
  private:
   using TValue = std::variant<std::monostate, std::int32_t, double, UnicodeString, TDispatch>;

@@ -23,8 +23,6 @@ class TApplication {
   void Terminate();
   bool Terminated() const noexcept { return fTerminated; }
 
-  TForm* MainForm() const noexcept { return fMainForm; }
-
   /// A box with the button OK and the program's title, above the active form.
   void MessageBox(TextView text, TBoxIcon icon = TBoxIcon::None);
 

@@ -44,7 +44,7 @@ class TPanel : public TControl {
   explicit TPanel(TForm& form);
 };
 
-/// A text centred in its place; a carriage return begins a new line, nothing else does.
+/// A text centred in its place and never wrapped; a carriage return begins a new line.
 class TLabel : public TControl {
  public:
   explicit TLabel(TControl& parent);

@@ -38,7 +38,7 @@ void TForm::MoveTo(int left, int top) {
 
 void TForm::Show() {
   Application->fActiveForm = this;
-  Application->Guard(OnShow);
+  if (OnShow) Application->Guard(OnShow);
   if (!Application->Terminated()) MakeVisible();
 }
 

@@ -30,7 +30,7 @@ class TForm {
   void Show();
   /// Puts the form on the screen where it stands now; without effect when it is visible.
   void MakeVisible();
-  /// Asks nothing. Closing the main form ends the program.
+  /// Asks nothing. Closing the main form ends the program; no other form can be closed yet.
   void Close();
 
  private:

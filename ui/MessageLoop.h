@@ -3,11 +3,10 @@
 #include "platform/Text.h"
 #include "ui/NativeWindow.h"
 
-/// Handles messages until the one that PostQuit asked for is reached.
+/// Handles messages until the application is terminated.
 void RunMessageLoop();
 
-/// Ends the message loop when it has handled what was posted before. A message box that is open ends by
-/// itself.
+/// Ends a message box that is open and wakes the message loop. What is still to be painted stays unpainted.
 void PostQuit();
 
 enum class TBoxIcon { None, Error };

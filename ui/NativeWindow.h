@@ -18,7 +18,7 @@ struct TFont {
 enum class TWindowKind {
   StatusForm,  ///< top level: no border, always on top, a task bar button of its own
   Panel,       ///< fills itself with the button face; outer bevel lowered, inner bevel raised, one pixel each
-  Label,       ///< its text centred both ways, lines broken at carriage returns only
+  Label,       ///< its text centred both ways, never wrapped: a new line begins at a carriage return
 };
 
 /// What a window reports. Each is called from the message loop; errors that leave it go to the application's
@@ -47,7 +47,7 @@ class TNativeWindow {
   /// The font that the window draws with; `dpi` also scales the bevels.
   void SetFont(const TFont& font, int dpi);
 
-  /// Shows a form without taking the input focus from the program that the user works in.
+  /// Shows a form without taking the input focus: it asks for nothing, and the user types on in the host.
   void Show();
   /// Paints the window and its children before it returns.
   void Repaint();

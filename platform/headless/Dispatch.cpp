@@ -44,12 +44,10 @@ std::shared_ptr<TDispatchTarget> TargetOf(const TDispatch& reference) {
   return reference ? reference.Get()->Target : nullptr;
 }
 
-TComApartment::TComApartment() noexcept : fInitialized(true) {}
-TComApartment::~TComApartment() {
-  fInitialized = false;
-}
+TComApartment::TComApartment() noexcept = default;
+TComApartment::~TComApartment() = default;
 
-TDispatch CreateInstance(const TGuid&, const TGuid&) {
-  if (!headless::Machine().CreateServer) throw ComponentError(kClassNotRegistered);
-  return headless::Machine().CreateServer();
+TDispatch CreateInstance(const TGuid& clsid, const TGuid& iid) {
+  if (!headless::Machine().CreateInstance) throw ComponentError(kClassNotRegistered);
+  return headless::Machine().CreateInstance(clsid, iid);
 }

@@ -33,8 +33,9 @@ struct TMachine {
   TRect WorkArea{0, 0, 1280, 1024};
   int Dpi = kDesignDpi;
 
-  /// Creates the component; empty: the class is not registered. Throws what a failed creation throws.
-  std::function<TDispatch()> CreateServer;
+  /// Creates the class and answers for the interface; empty: no class is registered. Throws what a failed
+  /// creation throws.
+  std::function<TDispatch(const TGuid& clsid, const TGuid& iid)> CreateInstance;
 
   /// The only clock, in milliseconds. It moves when the message loop waits, or when a test moves it.
   std::int64_t Now = 0;

@@ -6,18 +6,35 @@
 #include <objbase.h>
 
 #include <bit>
-#include <optional>
 #include <utility>
 #include <vector>
 
 #include "platform/Error.h"
+#include "platform/System.h"
 #include "platform/Variant.h"
 #include "platform/windows/VariantConversion.h"
-#include "platform/windows/Wide.h"
 
 static_assert(sizeof(TGuid) == sizeof(GUID));
 
 namespace {
+
+/// One reference to whatever interface was asked for.
+class TUnknown {
+ public:
+  TUnknown() = default;
+  ~TUnknown() {
+    if (fObject != nullptr) fObject->Release();
+  }
+  TUnknown(const TUnknown&) = delete;
+  TUnknown& operator=(const TUnknown&) = delete;
+
+  IUnknown* operator->() const noexcept { return fObject; }
+  /// Where the system puts the reference; only while this is empty.
+  void** Target() noexcept { return reinterpret_cast<void**>(&fObject); }
+
+ private:
+  IUnknown* fObject = nullptr;
+};
 
 /// The arguments of one call as DISPPARAMS wants them: the last one first, and the value of a property put
 /// under the name that marks it as such. A strict component refuses a put without that name.
@@ -25,16 +42,13 @@ class TComArguments {
  public:
   TComArguments(TInvokeKind kind, std::span<const TVariant> arguments) : fVariants(arguments.size()) {
     auto place = fVariants.rbegin();
-    for (const TVariant& argument : arguments) AssignComVariant(*place++, argument);
-    fParameters.rgvarg = fVariants.data();
+    for (const TVariant& argument : arguments) AssignComVariant(*(place++)->Get(), argument);
+    if (!fVariants.empty()) fParameters.rgvarg = fVariants.front().Get();
     fParameters.cArgs = static_cast<UINT>(fVariants.size());
     if (kind == TInvokeKind::Put) {
       fParameters.rgdispidNamedArgs = &fPutName;
       fParameters.cNamedArgs = 1;
     }
-  }
-  ~TComArguments() {
-    for (VARIANT& variant : fVariants) ::VariantClear(&variant);
   }
   TComArguments(const TComArguments&) = delete;
   TComArguments& operator=(const TComArguments&) = delete;
@@ -42,7 +56,9 @@ class TComArguments {
   DISPPARAMS* Get() noexcept { return &fParameters; }
 
  private:
-  std::vector<VARIANT> fVariants;  // value-initialised: VT_EMPTY
+  static_assert(sizeof(TComVariant) == sizeof(VARIANT));  // so they stand in a row as COM wants them
+
+  std::vector<TComVariant> fVariants;
   DISPID fPutName = DISPID_PROPERTYPUT;
   DISPPARAMS fParameters{};
 };
@@ -65,19 +81,17 @@ class TExceptionInfo {
   /// pointer comes from the other address space and calling it crashes (seen under Wine).
   void FillIn(IDispatch* object) {
     if (fInfo.pfnDeferredFillIn == nullptr) return;
-    IUnknown* proxy = nullptr;
-    if (SUCCEEDED(object->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&proxy)))) {
-      proxy->Release();
-    } else {
-      fInfo.pfnDeferredFillIn(&fInfo);
-    }
+    TUnknown proxy;
+    if (FAILED(object->QueryInterface(IID_IClientSecurity, proxy.Target()))) fInfo.pfnDeferredFillIn(&fInfo);
   }
 
+  /// The component's own words; without any, the system's text for its code where that is an HRESULT.
   EError Error() const {
-    const std::int32_t code = fInfo.scode != 0 ? fInfo.scode : std::int32_t{fInfo.wCode};
+    const bool hasResult = FAILED(fInfo.scode);
     UnicodeString description(FromBstr(fInfo.bstrDescription));
-    if (description.empty()) return ComponentError(code != 0 ? code : DISP_E_EXCEPTION);
-    return {TErrorKind::Component, code, std::move(description), UnicodeString(FromBstr(fInfo.bstrSource))};
+    if (description.empty()) description = SystemErrorText(hasResult ? fInfo.scode : DISP_E_EXCEPTION);
+    return {TErrorKind::Component, hasResult ? fInfo.scode : std::int32_t{fInfo.wCode},
+            std::move(description), UnicodeString(FromBstr(fInfo.bstrSource))};
   }
 
  private:
@@ -118,10 +132,9 @@ TVariant TDispatch::Invoke(std::int32_t id, TInvokeKind kind, std::span<const TV
   TComArguments parameters(kind, arguments);
   TComVariant result;
   TExceptionInfo info;
-  UINT badArgument = 0;
   const HRESULT outcome =
       object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, InvokeFlag(kind), parameters.Get(),
-                     kind == TInvokeKind::Put ? nullptr : result.Get(), info.Get(), &badArgument);
+                     kind == TInvokeKind::Put ? nullptr : result.Get(), info.Get(), nullptr);
   if (SUCCEEDED(outcome)) return FromComVariant(*result.Get());
   if (outcome != DISP_E_EXCEPTION) throw ComponentError(outcome);
   info.FillIn(object);
@@ -136,14 +149,13 @@ TComApartment::~TComApartment() {
 }
 
 TDispatch CreateInstance(const TGuid& clsid, const TGuid& iid) {
-  void* created = nullptr;
-  HRESULT outcome = ::CoCreateInstance(std::bit_cast<GUID>(clsid), nullptr,
-                                       CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown, &created);
+  TUnknown created;
+  HRESULT outcome =
+      ::CoCreateInstance(std::bit_cast<GUID>(clsid), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
+                         IID_IUnknown, created.Target());
   if (FAILED(outcome)) throw ComponentError(outcome);
-  auto* unknown = static_cast<IUnknown*>(created);
   void* asked = nullptr;
-  outcome = unknown->QueryInterface(std::bit_cast<GUID>(iid), &asked);
-  unknown->Release();
+  outcome = created->QueryInterface(std::bit_cast<GUID>(iid), &asked);
   if (FAILED(outcome)) throw ComponentError(outcome);
   return AdoptComObject(static_cast<IDispatch*>(asked));
 }

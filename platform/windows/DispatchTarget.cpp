@@ -7,20 +7,20 @@
 
 #include <atomic>
 #include <bit>
-#include <exception>
-#include <iterator>
+#include <new>
 #include <optional>
 #include <vector>
 
 #include "platform/Error.h"
 #include "platform/windows/VariantConversion.h"
+#include "platform/windows/Wide.h"
 
 namespace {
 
 // Answered by our own objects alone: tells them from all others.
 constexpr GUID kOwnTarget{0x5D0E3B8C, 0x7A41, 0x4E57, {0x9C, 0x16, 0x2F, 0x83, 0xD4, 0x60, 0xB7, 0x1A}};
 
-/// A DISPPARAMS kind flag that stands alone; strict where the system would take a combination.
+/// A kind flag that stands alone; strict where the system would take a combination.
 std::optional<TInvokeKind> KindOf(WORD flags) {
   switch (flags) {
     case DISPATCH_METHOD:
@@ -46,12 +46,18 @@ std::vector<TVariant> Arguments(const DISPPARAMS& parameters) {
   return arguments;
 }
 
-HRESULT Fail(EXCEPINFO* info, std::int32_t code, TextView description, TextView source) {
+/// A text of an error; null, which is a legal empty one, when there is no room.
+BSTR ErrorText(TextView text) noexcept {
+  return ::SysAllocStringLen(Wide(text.data()), static_cast<UINT>(text.size()));
+}
+
+HRESULT Fail(EXCEPINFO* info, const EError& error) noexcept {
+  if (error.Message().empty()) return error.Code();
   if (info == nullptr) return DISP_E_EXCEPTION;
   *info = {};
-  info->scode = code;
-  info->bstrDescription = MakeBstr(description);
-  info->bstrSource = MakeBstr(source);
+  info->scode = error.Code();
+  info->bstrDescription = ErrorText(error.Message());
+  info->bstrSource = ErrorText(error.Source());
   return DISP_E_EXCEPTION;
 }
 
@@ -94,10 +100,11 @@ class TComTarget final : public IDispatch {
     try {
       return Answer(id, flags, *parameters, result);
     } catch (const EError& error) {
-      return error.Message().empty() ? error.Code()
-                                     : Fail(info, error.Code(), error.Message(), error.Source());
-    } catch (const std::exception& error) {
-      return Fail(info, kUnexpectedFailure, TextFromUtf8(error.what()), {});
+      return Fail(info, error);
+    } catch (const std::bad_alloc&) {
+      return E_OUTOFMEMORY;
+    } catch (...) {
+      return E_UNEXPECTED;
     }
   }
 

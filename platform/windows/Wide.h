@@ -18,6 +18,13 @@ inline wchar_t* WideBuffer(UnicodeString& text) noexcept {
   return reinterpret_cast<wchar_t*>(text.data());
 }
 
+/// As much of `text` as the system's fixed array takes, with a closing zero.
+template <std::size_t kSize>
+void CopyText(wchar_t (&target)[kSize], TextView text) noexcept {
+  const std::size_t length = text.copy(reinterpret_cast<char16_t*>(target), kSize - 1);
+  target[length] = L'\0';
+}
+
 inline TextView FromWide(const wchar_t* text, std::size_t length) noexcept {
   return {reinterpret_cast<const char16_t*>(text), length};
 }

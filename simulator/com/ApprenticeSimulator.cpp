@@ -4,8 +4,8 @@
 #include <olectl.h>
 #include <unknwn.h>
 
-#include <exception>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "platform/System.h"
@@ -51,8 +51,10 @@ HRESULT Guarded(TBody body) noexcept {
     return body();
   } catch (const EError& error) {
     return error.Code() < 0 ? error.Code() : HRESULT_FROM_WIN32(static_cast<DWORD>(error.Code()));
-  } catch (const std::exception&) {
+  } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
+  } catch (...) {
+    return E_UNEXPECTED;
   }
 }
 
@@ -103,7 +105,10 @@ class TServerFactory final : public IClassFactory {
 void EndWorld(bool unloaded) {
   const auto& world = Module().Simulator;
   if (!world) return;
-  world->Trace("alive " + std::to_string(world->LiveObjects()));
+  try {
+    world->Trace("alive " + std::to_string(world->LiveObjects()));
+  } catch (const std::bad_alloc&) {  // the line is lost; an exception must not leave DllMain
+  }
   if (unloaded && !Module().InUse()) Module().Simulator.reset();
 }
 

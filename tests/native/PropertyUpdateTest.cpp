@@ -186,7 +186,7 @@ TEST_F(PropertyUpdateTest, FetchesTheWholeChainForEveryAccess) {
     property(index, "Value := text \"\"");
     property(index, "Name = \"" + name + "\"");
   };
-  expected.push_back("server.OpenDocument(\"C:\\Projekt\\Teil ä.ipt\")");
+  expected.emplace_back("server.OpenDocument(\"C:\\Projekt\\Teil ä.ipt\")");
   set("Count = 6");
   text(1, "Name", "x", false);
   property(1, "Value := text \"neu\"");
@@ -249,17 +249,20 @@ TEST_F(PropertyUpdateTest, RefusalsOfTheComponentEndTheUpdate) {
   struct {
     std::string Before;
     std::string List;
-    std::string Message;
+    std::string Refused;
   } const cases[] = {
-      {TextProperty(kHint, "alt"), "", "error box"},  // the last pass asks for a position that has gone
-      {R"({"name": "Zahl", "type": "integer", "value": 7})", "Zahl\n8\n", "error box"},
+      // The last pass asks for a position that has gone with the hint.
+      {TextProperty(kHint, "alt") + "," + TextProperty("A", "1"), "", "propertyset.Item(2) ! "},
+      // The name belongs to a number, which is not updated, and a second one is refused.
+      {R"({"name": "Zahl", "type": "integer", "value": 7})", "Zahl\n8\n", "propertyset.AddProperty("},
   };
   for (const auto& test : cases) {
-    WriteFile(kDocument, DocumentWith(test.Before + (test.List.empty() ? "," + TextProperty("A", "1") : "")));
-    const std::string before = ReadFile(kDocument);
+    const std::string before = DocumentWith(test.Before);
+    WriteFile(kDocument, before);
     WriteFile(kList, test.List);
     const auto log = Run(kRun);
-    EXPECT_NE(log.at(3).find(test.Message), std::string::npos) << log.at(3);
+    EXPECT_TRUE(Calls().back().starts_with(test.Refused)) << Calls().back();
+    EXPECT_TRUE(log.at(3).starts_with("0 error box \"Velmora\": ")) << log.at(3);
     EXPECT_EQ(ReadFile(kDocument), before);
     EXPECT_EQ(LiveObjects(), 0);
   }

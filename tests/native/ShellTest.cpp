@@ -154,13 +154,16 @@ TEST_F(ShellTest, MakesTheDatabaseFolderAndNothingElse) {
   EXPECT_EQ(Run(kRun).back(), "1500 quit");
 }
 
-TEST_F(ShellTest, AMissingComponentIsReportedLikeAnyError) {
+TEST_F(ShellTest, AComponentThatCannotBeCreatedIsReportedLikeAnyError) {
+  RefuseInterface = true;
+  for (const TextView task : {u"/P C:\\Teil.ipt C:\\Liste.txt", u"/R C:\\Teil.ipt", u"/RI C:\\Teil.ipt"}) {
+    EXPECT_EQ(Run(task).at(3), "0 error box \"Velmora\": Schnittstelle nicht unterstützt");
+  }
   TApplication application(u"Velmora");
   TfrmMain form;
-  Machine().CommandLine = UnicodeString(u"v.exe ").append(kRun);
-  Machine().CreateServer = nullptr;
+  Machine().CreateInstance = nullptr;
   application.CreateForm(form);
   application.Run();
-  EXPECT_EQ(Machine().Log.at(3), "0 error box \"Velmora\": Klasse nicht registriert");
+  EXPECT_EQ(Machine().Log.at(9), "3600 error box \"Velmora\": Klasse nicht registriert");
   EXPECT_EQ(frmMain, &form);
 }

@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr TGuid kServerClass{0xC343ED84, 0xA129, 0x11D3, {0xB7, 0x99, 0x00, 0x60, 0xB0, 0xF1, 0x59, 0xEF}};
+
 std::string Load(const UnicodeString& path) {
   std::ifstream stream(headless::HostPath(path), std::ios::binary);
   if (!stream) throw EError(TErrorKind::InputOutput, 2, u"Datei nicht gefunden");
@@ -15,7 +17,8 @@ std::string Load(const UnicodeString& path) {
 }
 
 void Store(const UnicodeString& path, const std::string& bytes) {
-  std::ofstream(headless::HostPath(path), std::ios::binary) << bytes;
+  std::ofstream stream(headless::HostPath(path), std::ios::binary);
+  if (!(stream << bytes).flush()) throw EError(TErrorKind::InputOutput, 101, u"Datenträger voll");
 }
 
 }  // namespace
@@ -31,7 +34,11 @@ std::vector<std::string> TProgramTest::Run(TextView arguments) {
   machine.Now = 0;
   machine.Log.clear();
   machine.CommandLine = UnicodeString(u"\"C:\\Programme\\VelmoraInventor.exe\" ").append(arguments);
-  machine.CreateServer = [this] { return fSimulator->CreateServer(); };
+  machine.CreateInstance = [this](const TGuid& clsid, const TGuid& iid) {
+    if (clsid != kServerClass) throw ComponentError(kClassNotRegistered);
+    if (RefuseInterface || iid != kSimulatedServerInterface) throw ComponentError(kNoInterface);
+    return fSimulator->CreateServer();
+  };
   ProgramMain();
   return machine.Log;
 }

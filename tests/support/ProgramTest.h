@@ -20,6 +20,7 @@ class TProgramTest : public TMachineTest {
   int LiveObjects() const { return fSimulator->LiveObjects(); }
 
   TSimulatorSettings Simulation;
+  bool RefuseInterface = false;  ///< the component exists but does not answer for its interface
   std::vector<std::string> Trace;
 
  private:

@@ -26,6 +26,8 @@ struct TNativeWindow::TImpl {
   std::vector<TImpl*> Children{};
   bool Visible = false;
 
+  bool OnScreen() const { return Parent != nullptr ? Parent->OnScreen() : Visible; }
+
   void Paint() const {
     if (Kind == TWindowKind::Label) Machine().Record("paint \"" + Utf8FromText(Window.Title) + "\"");
     for (const TImpl* child : Children) child->Paint();
@@ -71,5 +73,5 @@ void TNativeWindow::Show() {
 }
 
 void TNativeWindow::Repaint() {
-  if (fImpl->Visible || fImpl->Parent != nullptr) fImpl->Paint();
+  if (fImpl->OnScreen()) fImpl->Paint();
 }

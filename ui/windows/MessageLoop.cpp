@@ -3,10 +3,13 @@
 #include <windows.h>
 
 #include "platform/windows/Wide.h"
+#include "ui/Application.h"
 
 void RunMessageLoop() {
   MSG message;
-  while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+  // The flag and not the quit message decides: a modal loop of the component could have swallowed the
+  // message.
+  while (!Application->Terminated() && ::GetMessageW(&message, nullptr, 0, 0) > 0) {
     ::TranslateMessage(&message);
     ::DispatchMessageW(&message);
   }

@@ -27,12 +27,13 @@ TTimers& Timers() {
 
 LRESULT CALLBACK TimerWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message != WM_TIMER) return ::DefWindowProcW(window, message, wParam, lParam);
-  // A message may still be on its way when its timer has been stopped.
-  const auto found = Timers().Running.find(wParam);
-  if (found != Timers().Running.end()) {
+  Application->Guard([wParam] {
+    // A message may still be on its way when its timer has been stopped.
+    const auto found = Timers().Running.find(wParam);
+    if (found == Timers().Running.end()) return;
     const std::function<void()> onElapsed = found->second;  // the event may stop its own timer
-    Application->Guard(onElapsed);
-  }
+    onElapsed();
+  });
   return 0;
 }
 
@@ -52,8 +53,12 @@ HWND TimerWindow() {
 TTimerId StartNativeTimer(int milliseconds, std::function<void()> onElapsed) {
   const HWND window = TimerWindow();
   const TTimerId id = ++Timers().LastId;
-  if (::SetTimer(window, id, static_cast<UINT>(milliseconds), nullptr) == 0) throw LastSystemError();
   Timers().Running.emplace(id, std::move(onElapsed));
+  if (::SetTimer(window, id, static_cast<UINT>(milliseconds), nullptr) == 0) {
+    const EError error = LastSystemError();
+    Timers().Running.erase(id);
+    throw error;
+  }
   return id;
 }
 

@@ -33,11 +33,13 @@ HICON ProgramIcon() {
   return ::LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(kProgramIcon));
 }
 
-UnicodeString WindowText(HWND window) {
-  UnicodeString text(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, u'\0');
-  const int length = ::GetWindowTextW(window, WideBuffer(text), static_cast<int>(text.size()));
-  text.resize(static_cast<std::size_t>(length));
-  return text;
+/// The name of the kind's window class, made known if it is one of ours.
+UnicodeString ClassOf(TWindowKind kind, TextView formClass, WNDPROC formProc, WNDPROC panelProc) {
+  if (kind == TWindowKind::Label) return UnicodeString(kLabelClass);
+  const bool form = kind == TWindowKind::StatusForm;
+  const TextView name = form ? formClass : kPanelClass;
+  RegisterWindowClass(name, form ? formProc : panelProc, form ? ProgramIcon() : nullptr);
+  return UnicodeString(name);
 }
 
 }  // namespace
@@ -45,6 +47,7 @@ UnicodeString WindowText(HWND window) {
 /// The system finds it through the window's user data (forms, panels) or the subclass's reference (labels).
 struct TNativeWindow::TImpl {
   TWindowEvents Events;
+  UnicodeString Text;  // beside the window's own copy: painting must not ask for memory
   TFontHandle Font;
   int Bevel = 1;
   TWindow Window;  // the first to go: its last messages still reach the rest
@@ -58,8 +61,8 @@ struct TNativeWindow::TImpl {
   static LRESULT CALLBACK LabelProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                     DWORD_PTR reference);
 
-  void PaintPanelWindow(HWND window) const;
-  void PaintLabelWindow(HWND window) const;
+  void PaintPanelWindow(HWND window) const noexcept;
+  void PaintLabelWindow(HWND window) const noexcept;
 };
 
 LRESULT CALLBACK TNativeWindow::TImpl::FormProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -88,7 +91,8 @@ LRESULT CALLBACK TNativeWindow::TImpl::PanelProc(HWND window, UINT message, WPAR
 }
 
 LRESULT CALLBACK TNativeWindow::TImpl::LabelProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                                 UINT_PTR, DWORD_PTR reference) {
+                                                 UINT_PTR id, DWORD_PTR reference) {
+  if (message == WM_NCDESTROY) ::RemoveWindowSubclass(window, LabelProc, id);
   if (message == WM_ERASEBKGND) return 1;
   if (message == WM_PAINT) {
     reinterpret_cast<const TImpl*>(reference)->PaintLabelWindow(window);
@@ -103,36 +107,34 @@ LRESULT CALLBACK TNativeWindow::TImpl::LabelProc(HWND window, UINT message, WPAR
   return ::DefSubclassProc(window, message, wParam, lParam);
 }
 
-void TNativeWindow::TImpl::PaintPanelWindow(HWND window) const {
+void TNativeWindow::TImpl::PaintPanelWindow(HWND window) const noexcept {
   const TPaintScope paint(window);
   RECT area{};
   ::GetClientRect(window, &area);
   PaintPanel(paint.Dc(), area, Bevel);
 }
 
-void TNativeWindow::TImpl::PaintLabelWindow(HWND window) const {
+void TNativeWindow::TImpl::PaintLabelWindow(HWND window) const noexcept {
   const TPaintScope paint(window);
   RECT area{};
   ::GetClientRect(window, &area);
-  PaintCentredText(paint.Dc(), area, Wide(WindowText(window)), Font.Get());
+  PaintCentredText(paint.Dc(), area, Wide(Text), Font.Get());
 }
 
 TNativeWindow::TNativeWindow(TWindowKind kind, TextView className, TNativeWindow* parent,
                              TWindowEvents events)
     : fImpl(std::make_unique<TImpl>()) {
   fImpl->Events = std::move(events);
-  if (kind == TWindowKind::StatusForm) RegisterWindowClass(className, TImpl::FormProc, ProgramIcon());
-  if (kind == TWindowKind::Panel) RegisterWindowClass(className = kPanelClass, TImpl::PanelProc);
-  if (kind == TWindowKind::Label) className = kLabelClass;
-
+  const UnicodeString windowClass = ClassOf(kind, className, TImpl::FormProc, TImpl::PanelProc);
   const TStyle style = StyleOf(kind);
   const HWND parentWindow = parent != nullptr ? parent->fImpl->Window.Get() : nullptr;
-  const HWND window = ::CreateWindowExW(style.ExtendedStyle, Wide(UnicodeString(className)), L"", style.Style,
-                                        0, 0, 0, 0, parentWindow, nullptr, ProgramInstance(), nullptr);
+  const HWND window = ::CreateWindowExW(style.ExtendedStyle, Wide(windowClass), L"", style.Style, 0, 0, 0, 0,
+                                        parentWindow, nullptr, ProgramInstance(), nullptr);
   if (window == nullptr) throw LastSystemError();
   fImpl->Window.Reset(window);
   if (kind == TWindowKind::Label) {
-    ::SetWindowSubclass(window, TImpl::LabelProc, 0, reinterpret_cast<DWORD_PTR>(fImpl.get()));
+    const auto reference = reinterpret_cast<DWORD_PTR>(fImpl.get());
+    if (!::SetWindowSubclass(window, TImpl::LabelProc, 0, reference)) throw LastSystemError();
   } else {
     ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(fImpl.get()));
   }
@@ -150,7 +152,8 @@ void TNativeWindow::SetBounds(const TRect& bounds) {
 }
 
 void TNativeWindow::SetText(TextView text) {
-  ::SetWindowTextW(fImpl->Window.Get(), Wide(UnicodeString(text)));
+  fImpl->Text = text;
+  ::SetWindowTextW(fImpl->Window.Get(), Wide(fImpl->Text));
 }
 
 void TNativeWindow::SetFont(const TFont& font, int dpi) {
@@ -158,7 +161,7 @@ void TNativeWindow::SetFont(const TFont& font, int dpi) {
   description.lfHeight = -ScaledToDpi(font.CharHeight, dpi);  // negative: without the leading
   description.lfWeight = font.Bold ? FW_BOLD : FW_NORMAL;
   description.lfCharSet = DEFAULT_CHARSET;
-  font.Name.copy(reinterpret_cast<char16_t*>(description.lfFaceName), LF_FACESIZE - 1);
+  CopyText(description.lfFaceName, font.Name);
   TFontHandle created(::CreateFontIndirectW(&description));
   ::SendMessageW(fImpl->Window.Get(), WM_SETFONT, reinterpret_cast<WPARAM>(created.Get()), FALSE);
   fImpl->Font = std::move(created);

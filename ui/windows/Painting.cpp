@@ -17,14 +17,14 @@ void PaintFrame(HDC dc, RECT& area, int width, int topLeft, int bottomRight) {
 
 }  // namespace
 
-void PaintPanel(HDC dc, const RECT& area, int bevel) {
+void PaintPanel(HDC dc, const RECT& area, int bevel) noexcept {
   RECT rest = area;
   PaintFrame(dc, rest, bevel, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT);
   PaintFrame(dc, rest, bevel, COLOR_BTNHIGHLIGHT, COLOR_BTNSHADOW);
   FillSystem(dc, rest, COLOR_BTNFACE);
 }
 
-void PaintCentredText(HDC dc, const RECT& area, const wchar_t* text, HFONT font) {
+void PaintCentredText(HDC dc, const RECT& area, const wchar_t* text, HFONT font) noexcept {
   constexpr UINT kFormat = DT_CENTER | DT_NOPREFIX;
   const TSavedDc saved(dc);
   FillSystem(dc, area, COLOR_BTNFACE);

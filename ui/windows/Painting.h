@@ -41,7 +41,7 @@ class TSavedDc {
 
 /// The face of a panel: a lowered outer and a raised inner bevel, each `bevel` pixels wide, in the user's
 /// colours.
-void PaintPanel(HDC dc, const RECT& area, int bevel);
+void PaintPanel(HDC dc, const RECT& area, int bevel) noexcept;
 
-/// `text` centred both ways in `area`, its lines broken at carriage returns only.
-void PaintCentredText(HDC dc, const RECT& area, const wchar_t* text, HFONT font);
+/// `text` centred both ways in `area` and never wrapped; a carriage return begins a new line.
+void PaintCentredText(HDC dc, const RECT& area, const wchar_t* text, HFONT font) noexcept;

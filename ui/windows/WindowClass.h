@@ -2,9 +2,8 @@
 
 #include <windows.h>
 
-#include "platform/Error.h"
 #include "platform/Handle.h"
-#include "platform/System.h"
+#include "platform/windows/LastError.h"
 #include "platform/windows/Wide.h"
 
 struct TWindowTraits {
@@ -16,12 +15,6 @@ using TWindow = TUniqueHandle<TWindowTraits>;
 
 inline HINSTANCE ProgramInstance() noexcept {
   return ::GetModuleHandleW(nullptr);
-}
-
-/// The system error that the last call left.
-inline EError LastSystemError() {
-  const auto code = static_cast<std::int32_t>(::GetLastError());
-  return {TErrorKind::System, code, SystemErrorText(code)};
 }
 
 /// Makes a window class known; one that is known already stays as it is.
