@@ -26,5 +26,7 @@ function(velmora_header_check name)
   target_link_libraries(${name} PRIVATE project_options ${CHECK_LIBRARIES})
   add_test(NAME check.${name}
     COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target ${name})
-  set_tests_properties(check.${name} PROPERTIES RESOURCE_LOCK build-${VELMORA_BACKEND} TIMEOUT 600)
+  # A whole machine's work, by its PROCESSORS: the tests with time limits do not run beside it.
+  cmake_host_system_information(RESULT cores QUERY NUMBER_OF_LOGICAL_CORES)
+  set_tests_properties(check.${name} PROPERTIES PROCESSORS ${cores} TIMEOUT 600)
 endfunction()

@@ -7,7 +7,9 @@ packagesFor() {
         native) echo g++ cmake ninja-build python3 libgtest-dev nlohmann-json3-dev ;;
         bench) echo g++ cmake ninja-build nlohmann-json3-dev libbenchmark-dev ;;
         windows) echo g++-mingw-w64-x86-64-posix cmake ninja-build python3 googletest nlohmann-json3-dev ;;
-        wine) echo wine wine64 fonts-wine xvfb ;;
+        # Wine only recommends the X libraries, but does without drawing, cursors or several screens if they lack.
+        wine) echo wine wine64 fonts-wine xvfb libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 \
+            libxrandr2 libxrender1 ;;
         demo) echo imagemagick python3 ;;
         format) echo clang-format ;;
         lint) echo clang-tidy ;;

@@ -43,7 +43,7 @@ std::string ObjectName(const TVariant& value) {
 std::string TypedValue(const TVariant& value) {
   if (value.Type() == TVarType::Dispatch) return "dispatch " + ObjectName(value);
   if (value.Type() == TVarType::Unknown) return "unknown " + ObjectName(value);
-  const std::string name(simulator::TypeName(value.Type()));
+  std::string name(simulator::TypeName(value.Type()));
   if (name.empty()) return "type " + std::to_string(static_cast<int>(value.Type()));
   if (value.Type() == TVarType::Empty || value.Type() == TVarType::Null) return name;
   // A date that no calendar has, or a number that is none, shows its type alone.

@@ -10,6 +10,11 @@
 
 namespace {
 
+EError SystemError(DWORD code) {
+  const auto signedCode = static_cast<std::int32_t>(code);
+  return {TErrorKind::InputOutput, signedCode, SystemErrorText(signedCode)};
+}
+
 /// Deletes the file at its end unless it was kept.
 class TTemporaryFile {
  public:
@@ -64,6 +69,10 @@ void Write(const UnicodeString& path, const std::string& bytes) {
 /// Written beside its target and put in its place when complete: a host that is killed here leaves the old
 /// file.
 void Store(const UnicodeString& path, const std::string& bytes) {
+  // Some systems ask only the folder whether a file may be replaced, not the file itself.
+  const DWORD attributes = ::GetFileAttributesW(Wide(path));
+  const bool present = attributes != INVALID_FILE_ATTRIBUTES;
+  if (present && (attributes & FILE_ATTRIBUTE_READONLY) != 0) throw SystemError(ERROR_ACCESS_DENIED);
   TTemporaryFile temporary(path + u"." + DecimalText(::GetCurrentProcessId()) + u".tmp");
   Write(temporary.Path(), bytes);
   temporary.MoveTo(path);
@@ -78,8 +87,7 @@ TFileAccess SystemFiles() {
 }
 
 EError LastSystemError() {
-  const auto code = static_cast<std::int32_t>(::GetLastError());
-  return {TErrorKind::InputOutput, code, SystemErrorText(code)};
+  return SystemError(::GetLastError());
 }
 
 }  // namespace simulator
