@@ -107,7 +107,7 @@ HWND StatusLabelOf(DWORD process) {
   DWORD owner = 0;
   ::GetWindowThreadProcessId(form, &owner);
   if (form == nullptr || owner != process) return nullptr;
-  return ::FindWindowExW(::FindWindowExW(form, nullptr, L"TPanel", nullptr), nullptr, L"STATIC", nullptr);
+  return ::FindWindowExW(::FindWindowExW(form, nullptr, L"TPanel", nullptr), nullptr, L"TLabel", nullptr);
 }
 
 /// Asks no message of the window: it does not answer while the task runs.

@@ -83,7 +83,7 @@ class TWatch {
            std::to_string(r.right - r.left) + " " + std::to_string(r.bottom - r.top));
     }
     const HWND panel = ::FindWindowExW(form, nullptr, L"TPanel", nullptr);
-    const HWND label = ::FindWindowExW(panel, nullptr, L"STATIC", nullptr);
+    const HWND label = ::FindWindowExW(panel, nullptr, L"TLabel", nullptr);
     if (label == nullptr) return;  // the window is being taken down
     const std::wstring text = TextOf(label);
     if (text == fText) return;

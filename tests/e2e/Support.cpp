@@ -134,7 +134,7 @@ HWND TProgram::MessageBox() const {
 std::wstring TProgram::StatusText() const {
   const HWND form = FindOwnWindow(L"TfrmMain");
   const HWND panel = ::FindWindowExW(form, nullptr, L"TPanel", nullptr);
-  return TextOf(::FindWindowExW(panel, nullptr, L"STATIC", nullptr));
+  return TextOf(::FindWindowExW(panel, nullptr, L"TLabel", nullptr));
 }
 
 bool TProgram::WaitForStatus(const std::wstring& text) const {

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <commctrl.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -14,8 +12,8 @@
 namespace {
 
 constexpr TextView kPanelClass = u"TPanel";
-constexpr TextView kLabelClass = u"STATIC";  // what screen readers know as a text
-constexpr WORD kProgramIcon = 1;             // in the resources
+constexpr TextView kLabelClass = u"TLabel";
+constexpr WORD kProgramIcon = 1;  // in the resources
 
 struct TStyle {
   DWORD Style;
@@ -33,18 +31,9 @@ HICON ProgramIcon() {
   return ::LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(kProgramIcon));
 }
 
-/// The name of the kind's window class, made known if it is one of ours.
-UnicodeString ClassOf(TWindowKind kind, TextView formClass, WNDPROC formProc, WNDPROC panelProc) {
-  if (kind == TWindowKind::Label) return UnicodeString(kLabelClass);
-  const bool form = kind == TWindowKind::StatusForm;
-  const TextView name = form ? formClass : kPanelClass;
-  RegisterWindowClass(name, form ? formProc : panelProc, form ? ProgramIcon() : nullptr);
-  return UnicodeString(name);
-}
-
 }  // namespace
 
-/// The system finds it through the window's user data (forms, panels) or the subclass's reference (labels).
+/// The system finds it through the window's user data.
 struct TNativeWindow::TImpl {
   TWindowEvents Events;
   UnicodeString Text;  // beside the window's own copy: painting must not ask for memory
@@ -57,13 +46,31 @@ struct TNativeWindow::TImpl {
   }
 
   static LRESULT CALLBACK FormProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  static LRESULT CALLBACK PanelProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  static LRESULT CALLBACK LabelProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                    DWORD_PTR reference);
+  template <void (TImpl::*kPaint)(HDC dc, const RECT& area) const>
+  static LRESULT CALLBACK ControlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-  void PaintPanelWindow(HWND window) const noexcept;
-  void PaintLabelWindow(HWND window) const noexcept;
+  void PaintAsPanel(HDC dc, const RECT& area) const { PaintPanel(dc, area, Bevel); }
+  void PaintAsLabel(HDC dc, const RECT& area) const { PaintCentredText(dc, area, Wide(Text), Font.Get()); }
+
+  static UnicodeString ClassOf(TWindowKind kind, TextView formClass);
 };
+
+/// The name of the kind's window class, made known to the system. The label is no STATIC of the system's:
+/// under the manifest that one loads the common controls, which cost a start more than anything else here.
+UnicodeString TNativeWindow::TImpl::ClassOf(TWindowKind kind, TextView formClass) {
+  switch (kind) {
+    case TWindowKind::Panel:
+      RegisterWindowClass(kPanelClass, ControlProc<&TImpl::PaintAsPanel>);
+      return UnicodeString(kPanelClass);
+    case TWindowKind::Label:
+      RegisterWindowClass(kLabelClass, ControlProc<&TImpl::PaintAsLabel>);
+      return UnicodeString(kLabelClass);
+    case TWindowKind::StatusForm:
+      break;
+  }
+  RegisterWindowClass(formClass, FormProc, ProgramIcon());
+  return UnicodeString(formClass);
+}
 
 LRESULT CALLBACK TNativeWindow::TImpl::FormProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   TImpl* const self = Of(window);
@@ -83,61 +90,33 @@ LRESULT CALLBACK TNativeWindow::TImpl::FormProc(HWND window, UINT message, WPARA
   return ::DefWindowProcW(window, message, wParam, lParam);
 }
 
-LRESULT CALLBACK TNativeWindow::TImpl::PanelProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+template <void (TNativeWindow::TImpl::*kPaint)(HDC dc, const RECT& area) const>
+LRESULT CALLBACK TNativeWindow::TImpl::ControlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  const TImpl* const self = Of(window);
   if (message == WM_ERASEBKGND) return 1;
-  if (message != WM_PAINT || Of(window) == nullptr) return ::DefWindowProcW(window, message, wParam, lParam);
-  Of(window)->PaintPanelWindow(window);
-  return 0;
-}
-
-LRESULT CALLBACK TNativeWindow::TImpl::LabelProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                                 UINT_PTR id, DWORD_PTR reference) {
-  if (message == WM_NCDESTROY) ::RemoveWindowSubclass(window, LabelProc, id);
-  if (message == WM_ERASEBKGND) return 1;
-  if (message == WM_PAINT) {
-    reinterpret_cast<const TImpl*>(reference)->PaintLabelWindow(window);
+  if (self != nullptr && message == WM_GETFONT) return reinterpret_cast<LRESULT>(self->Font.Get());
+  if (self != nullptr && message == WM_PAINT) {
+    const TPaintScope paint(window);
+    RECT area{};
+    ::GetClientRect(window, &area);
+    (self->*kPaint)(paint.Dc(), area);
     return 0;
   }
-  if (message == WM_SETTEXT) {
-    // Past the control itself, which would draw the new text its own way at once.
-    const LRESULT result = ::DefWindowProcW(window, message, wParam, lParam);
-    ::InvalidateRect(window, nullptr, FALSE);
-    return result;
-  }
-  return ::DefSubclassProc(window, message, wParam, lParam);
-}
-
-void TNativeWindow::TImpl::PaintPanelWindow(HWND window) const noexcept {
-  const TPaintScope paint(window);
-  RECT area{};
-  ::GetClientRect(window, &area);
-  PaintPanel(paint.Dc(), area, Bevel);
-}
-
-void TNativeWindow::TImpl::PaintLabelWindow(HWND window) const noexcept {
-  const TPaintScope paint(window);
-  RECT area{};
-  ::GetClientRect(window, &area);
-  PaintCentredText(paint.Dc(), area, Wide(Text), Font.Get());
+  return ::DefWindowProcW(window, message, wParam, lParam);
 }
 
 TNativeWindow::TNativeWindow(TWindowKind kind, TextView className, TNativeWindow* parent,
                              TWindowEvents events)
     : fImpl(std::make_unique<TImpl>()) {
   fImpl->Events = std::move(events);
-  const UnicodeString windowClass = ClassOf(kind, className, TImpl::FormProc, TImpl::PanelProc);
+  const UnicodeString windowClass = TImpl::ClassOf(kind, className);
   const TStyle style = StyleOf(kind);
   const HWND parentWindow = parent != nullptr ? parent->fImpl->Window.Get() : nullptr;
   const HWND window = ::CreateWindowExW(style.ExtendedStyle, Wide(windowClass), L"", style.Style, 0, 0, 0, 0,
                                         parentWindow, nullptr, ProgramInstance(), nullptr);
   if (window == nullptr) throw LastSystemError();
   fImpl->Window.Reset(window);
-  if (kind == TWindowKind::Label) {
-    const auto reference = reinterpret_cast<DWORD_PTR>(fImpl.get());
-    if (!::SetWindowSubclass(window, TImpl::LabelProc, 0, reference)) throw LastSystemError();
-  } else {
-    ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(fImpl.get()));
-  }
+  ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(fImpl.get()));
 }
 
 TNativeWindow::~TNativeWindow() = default;
@@ -154,6 +133,7 @@ void TNativeWindow::SetBounds(const TRect& bounds) {
 void TNativeWindow::SetText(TextView text) {
   fImpl->Text = text;
   ::SetWindowTextW(fImpl->Window.Get(), Wide(fImpl->Text));
+  ::InvalidateRect(fImpl->Window.Get(), nullptr, FALSE);
 }
 
 void TNativeWindow::SetFont(const TFont& font, int dpi) {
@@ -162,9 +142,7 @@ void TNativeWindow::SetFont(const TFont& font, int dpi) {
   description.lfWeight = font.Bold ? FW_BOLD : FW_NORMAL;
   description.lfCharSet = DEFAULT_CHARSET;
   CopyText(description.lfFaceName, font.Name);
-  TFontHandle created(::CreateFontIndirectW(&description));
-  ::SendMessageW(fImpl->Window.Get(), WM_SETFONT, reinterpret_cast<WPARAM>(created.Get()), FALSE);
-  fImpl->Font = std::move(created);
+  fImpl->Font.Reset(::CreateFontIndirectW(&description));
   fImpl->Bevel = std::max(1, ScaledToDpi(1, dpi));
   ::InvalidateRect(fImpl->Window.Get(), nullptr, FALSE);
 }
