@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "platform/System.h"
 #include "platform/windows/Wide.h"
 #include "tests/e2e/Support.h"
 
@@ -13,6 +14,11 @@ const std::string kSets =
 /// A message box has the control for its icon in any case; without an icon it is empty.
 bool HasIcon(HWND box) {
   return ::SendMessageW(::GetDlgItem(box, 1088), STM_GETICON, 0, 0) != 0;
+}
+
+std::wstring SystemText(HRESULT result) {
+  const UnicodeString text = SystemErrorText(result);
+  return {text.begin(), text.end()};
 }
 
 class DocumentTasks : public EndToEnd {
@@ -99,6 +105,33 @@ TEST_F(DocumentTasks, TheIndexHintIsRemoved) {
   EXPECT_EQ(trace.back(), "alive 0");
 }
 
+TEST_F(DocumentTasks, ArgumentsOfAnyKindReachTheComponentWhole) {
+  const std::wstring name = L"Теил €\U0001F600 & Co's.ipt";  // outside the ANSI code page
+  const std::string document = ReadFile(L"Teil.ipt");
+  const std::wstring folder = Path(L"");
+  for (const std::wstring& arguments :
+       {L"/RI \"" + Path(name) + L"\" drei vier fünf", L"/\"R\"I " + folder + L"\"" + name + L"\"",
+        L"  \"/RI\"\t\"" + folder + L"\"\"" + name + L"\""}) {
+    WriteFile(name, document);
+    const TProgram program(arguments, Environment());
+    EXPECT_EQ(program.WaitForExit(), 0U);
+    EXPECT_EQ(ReadFile(name).find("IndexHinweis"), std::string::npos);
+  }
+  // A backslash before a quote escapes nothing; an empty argument ends the line.
+  for (const std::wstring& arguments : {L"/RI \"" + folder + L"\" x", std::wstring(L"/RI \"\" x")}) {
+    const TProgram program(arguments, Environment());
+    const HWND box = program.MessageBox();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(program.WaitForExit(), 0U);
+  }
+  const std::string trace = TraceText();
+  EXPECT_NE(trace.find("OpenDocument(\"" + Utf8Path(L"") + "\") !"), std::string::npos) << trace;
+  EXPECT_NE(trace.find("OpenDocument(\"\") !"), std::string::npos) << trace;
+  const TProgram empty(L"\"\" /RI \"" + Path(name) + L"\"", Environment());
+  EXPECT_EQ(empty.WaitForExit(), 0U);
+  EXPECT_EQ(TraceText(), trace) << "an empty first argument is none at all";
+}
+
 TEST_F(DocumentTasks, FailuresAreShownWithTheComponentsWords) {
   struct {
     TProgram::TEnvironment Changes;
@@ -109,6 +142,8 @@ TEST_F(DocumentTasks, FailuresAreShownWithTheComponentsWords) {
        L"Erste Zeile\r\nZweite " + std::wstring(2000, L'x')},
       {{{L"APPRENTICE_FAIL_CALL", L"2"}, {L"APPRENTICE_FAIL_RESULT", L"0xA0ABCDEF"}},
        L"Systemfehler A0ABCDEF"},
+      // A switch that the simulator does not know: the component cannot be created.
+      {{{L"APPRENTICE_PAST_END", L"?"}}, SystemText(E_INVALIDARG)},
   };
   for (const auto& test : cases) {
     const TProgram program(Arguments(L"/RI", L"Teil.ipt"), Environment(test.Changes));
