@@ -57,7 +57,7 @@ class TDispatch {
 class TComApartment {
  public:
   TComApartment() noexcept;
-  ~TComApartment();
+  ~TComApartment();  // NOLINT(performance-trivially-destructible): what it does is the back end's to say
   TComApartment(const TComApartment&) = delete;
   TComApartment& operator=(const TComApartment&) = delete;
 
