@@ -29,10 +29,3 @@ TEST(TimerContract, TimersRunUntilStoppedAndNeverShareAnId) {
   EXPECT_EQ(ids.count(0), 0U);
   for (const TTimerId id : ids) StopNativeTimer(id);
 }
-
-TEST(TimerContract, TheLoopEndsWhenTheProgramHasBeenTerminated) {
-  TApplication application(u"Velmora");
-  application.Terminate();
-  RunMessageLoop();
-  EXPECT_TRUE(application.Terminated());
-}

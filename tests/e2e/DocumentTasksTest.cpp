@@ -33,12 +33,6 @@ class DocumentTasks : public EndToEnd {
   std::wstring Arguments(const std::wstring& task, const std::wstring& file) const {
     return task + L" \"" + Path(file) + L"\"";
   }
-  std::string Utf8Path(const std::wstring& name) const { return Utf8FromText(FromWide(Path(name).c_str())); }
-  std::string TraceText() const {
-    std::string text;
-    for (const std::string& line : Trace()) text += line + "\n";
-    return text;
-  }
 };
 
 }  // namespace

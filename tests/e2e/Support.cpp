@@ -1,7 +1,6 @@
 #include "tests/e2e/Support.h"
 
 #include <array>
-#include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -13,28 +12,6 @@ std::wstring ExecutablePath() {
   name.resize(::GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
   return (std::filesystem::path(name).parent_path() / L"VelmoraInventor.exe").wstring();
 }
-
-/// This process's environment with `changes`, as CreateProcess takes it.
-std::wstring EnvironmentBlock(const TProgram::TEnvironment& changes) {
-  TProgram::TEnvironment variables;
-  wchar_t* const all = ::GetEnvironmentStringsW();
-  for (const wchar_t* entry = all; *entry != L'\0'; entry += std::wcslen(entry) + 1) {
-    const std::wstring text(entry);
-    const std::size_t equals = text.find(L'=', 1);
-    variables[text.substr(0, equals)] = text.substr(equals + 1);
-  }
-  ::FreeEnvironmentStringsW(all);
-  for (const auto& [name, value] : changes) variables[name] = value;
-  std::wstring block;
-  for (const auto& [name, value] : variables) block.append(name + L"=" + value).push_back(L'\0');
-  block.push_back(L'\0');
-  return block;
-}
-
-struct TPipe {
-  TFileHandle Read;
-  TFileHandle Write;
-};
 
 /// A pipe that holds `text` and whose writer has gone.
 TFileHandle PipeWith(const std::string& text) {
@@ -84,7 +61,7 @@ TProgram::TProgram(const std::wstring& arguments, const TEnvironment& changes,
                    const std::optional<std::string>& standardInput) {
   const std::wstring executable = ExecutablePath();
   std::wstring commandLine = L"\"" + executable + L"\" " + arguments;
-  std::wstring environment = EnvironmentBlock(changes);
+  for (const auto& [name, value] : changes) ::SetEnvironmentVariableW(name.c_str(), value.c_str());
   const TFileHandle input = standardInput ? PipeWith(*standardInput) : TFileHandle();
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
@@ -93,10 +70,11 @@ TProgram::TProgram(const std::wstring& arguments, const TEnvironment& changes,
     startup.hStdInput = input.Get();
   }
   PROCESS_INFORMATION process{};
-  const DWORD flags = CREATE_UNICODE_ENVIRONMENT | DETACHED_PROCESS;
-  if (!::CreateProcessW(executable.c_str(), commandLine.data(), nullptr, nullptr, TRUE, flags,
-                        environment.data(), nullptr, &startup, &process)) {
-    ADD_FAILURE() << "cannot start the program: " << ::GetLastError();
+  const BOOL started = ::CreateProcessW(executable.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
+                                        DETACHED_PROCESS, nullptr, nullptr, &startup, &process);
+  for (const auto& [name, value] : changes) ::SetEnvironmentVariableW(name.c_str(), nullptr);
+  if (!started) {
+    ADD_FAILURE() << "cannot start the program";
     return;
   }
   const TFileHandle thread(process.hThread);

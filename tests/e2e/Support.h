@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/windows/SystemHandles.h"
+#include "platform/windows/Wide.h"
 
 /// Waits until `condition` holds, at most `milliseconds`; returns whether it does.
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 20'000);
@@ -79,6 +80,8 @@ class EndToEnd : public testing::Test {
   TProgram::TEnvironment Environment(TProgram::TEnvironment more = {}) const;
   /// The lines of the simulator's trace.
   std::vector<std::string> Trace() const;
+  std::string TraceText() const { return ReadFile(L"trace.txt"); }
+  std::string Utf8Path(const std::wstring& name) const { return Utf8FromText(FromWide(Path(name).c_str())); }
 
  private:
   std::wstring fFolder;

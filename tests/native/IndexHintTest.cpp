@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -70,22 +69,4 @@ TEST_F(IndexHintTest, TheFirstTextOfThatNameGoesAndTheFileIsWrittenOnlyThen) {
     EXPECT_EQ(simulator::ParseDocument(ReadFile(kDocument)).PropertySets[3].Properties.size(), test.Left);
     EXPECT_EQ(LiveObjects(), 0);
   }
-}
-
-TEST_F(IndexHintTest, AFailedCallEndsTheTaskWithTheFileUnchanged) {
-  const std::string before = DocumentWith(TextProperty("A", "1") + "," + TextProperty("IndexHinweis", "alt"));
-  for (std::int64_t call = 1;; ++call) {
-    SCOPED_TRACE(call);
-    WriteFile(kDocument, before);
-    Simulation.FailCall = call;
-    Simulation.FailText = u"Nein!";
-    const auto log = Run(kRun);
-    EXPECT_EQ(LiveObjects(), 0);
-    if (log.back() == "1500 quit") break;
-    EXPECT_EQ(log.at(3), "0 error box \"Velmora\": Nein!");
-    EXPECT_EQ(log.back(), "3600 quit");
-    const bool written = Calls().back().starts_with("document.CloseDocument");
-    EXPECT_EQ(ReadFile(kDocument) != before, written);
-  }
-  EXPECT_EQ(Calls().back(), "document.CloseDocument()");
 }

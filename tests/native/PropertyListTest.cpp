@@ -45,6 +45,7 @@ TEST_F(PropertyListTest, IsReadInRecordsOfTwoLines) {
       {"", {}, u""},
       {"A\r\n1\r\nB\n2\n", {"A=1", "B=2"}, u""},
       {"A\n1\nB", {"A=1"}, u""},
+      {"A\n" + std::string(9999, 'v'), {"A=" + std::string(9999, 'v')}, u""},  // longer than any buffer
       {"A\n1\nREV\n", {"A=1"}, u""},
       {"REV\nb\nREV\n\n", {"REV=b"}, u""},            // the last index counts, also an empty one,
       {"REV\nb\nrev\nc\nREV\nd\n", {"REV=b"}, u"d"},  // but the first value of a name, whatever its case
@@ -72,14 +73,6 @@ TEST_F(PropertyListTest, IsReadInRecordsOfTwoLines) {
     EXPECT_EQ(Entries(file.Properties), test.Entries) << test.Bytes;
     EXPECT_EQ(file.NewIndex, test.NewIndex) << test.Bytes;
   }
-}
-
-TEST_F(PropertyListTest, LinesHaveAnyLength) {
-  const std::string name(4095, 'n');
-  const std::string value(100'000, 'v');
-  WriteFile(kFile, name + "\r\n" + value + "\r\nB\r\n2");
-  const TPropertyListFile file = ReadPropertyListFile(kFile, u"REV");
-  EXPECT_EQ(Entries(file.Properties), (std::vector<std::string>{name + "=" + value, "B=2"}));
 }
 
 TEST_F(PropertyListTest, EntriesAreFoundByTheTextBeforeAnyOfTheirEqualSigns) {

@@ -36,7 +36,8 @@ std::vector<std::string> TProgramTest::Run(TextView arguments) {
   machine.CommandLine = UnicodeString(u"\"C:\\Programme\\VelmoraInventor.exe\" ").append(arguments);
   machine.CreateInstance = [this](const TGuid& clsid, const TGuid& iid) {
     if (clsid != kServerClass) throw ComponentError(kClassNotRegistered);
-    if (RefuseInterface || iid != kSimulatedServerInterface) throw ComponentError(kNoInterface);
+    if (iid != kSimulatedServerInterface) throw ComponentError(kNoInterface);
+    if (RefuseCreation != 0) throw ComponentError(RefuseCreation);
     return fSimulator->CreateServer();
   };
   ProgramMain();

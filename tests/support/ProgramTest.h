@@ -20,7 +20,7 @@ class TProgramTest : public TMachineTest {
   int LiveObjects() const { return fSimulator->LiveObjects(); }
 
   TSimulatorSettings Simulation;
-  bool RefuseInterface = false;  ///< the component exists but does not answer for its interface
+  std::int32_t RefuseCreation = 0;  ///< with this HRESULT; 0: the component can be created
   std::vector<std::string> Trace;
 
  private:
