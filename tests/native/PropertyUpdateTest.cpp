@@ -15,7 +15,7 @@ std::vector<std::string> Pieces(const std::string& text) {
   std::vector<std::string> pieces;
   for (std::size_t at = 0; at < text.size(); at = text.find(';', at) + 1) {
     pieces.push_back(text.substr(at, text.find(';', at) - at));
-    if (text.find(';', at) == text.npos) break;
+    if (text.find(';', at) == std::string::npos) break;
   }
   return pieces;
 }
@@ -28,7 +28,7 @@ class PropertyUpdateTest : public TProgramTest {
     for (const std::string& piece : Pieces(properties)) {
       const std::size_t equals = piece.find('=');
       json += json.empty() ? "" : ", ";
-      json += equals == piece.npos
+      json += equals == std::string::npos
                   ? R"({"name": ")" + piece.substr(0, piece.size() - 1) + R"(", "type": "real", "value": 1})"
                   : TextProperty(piece.substr(0, equals), piece.substr(equals + 1));
     }
