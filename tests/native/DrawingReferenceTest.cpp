@@ -59,6 +59,9 @@ TEST_F(DrawingReferenceTest, RepointsEveryReferenceBesideTheDrawing) {
                                       "D:\\Projekt\\Teil 4711", "D:\\Projekt\\Teil 4711.ipt"}));
   EXPECT_EQ(log.at(3), "0 text \"IDW Referenz geändert.\"") << "painted by the message loop";
   EXPECT_EQ(log.at(4), "1500 quit");
+  WriteFile(kDrawing, DrawingWith(""));
+  EXPECT_EQ(Run(kRun).at(4), "1500 quit") << "without references it is saved all the same";
+  EXPECT_EQ(Calls().at(3) + Calls().at(4), "referencedfiles.Count = 0server.SaveSet");
 }
 
 TEST_F(DrawingReferenceTest, ADrawingToBeMigratedIsLeftAlone) {
