@@ -87,16 +87,47 @@ TEST_F(DocumentTasks, ADrawingToBeMigratedIsRefusedInABox) {
   }
 }
 
-TEST_F(DocumentTasks, TheIndexHintIsRemoved) {
-  const TProgram program(Arguments(L"/RI", L"Teil.ipt"), Environment({{L"APPRENTICE_DELAY_MS", L"400"}}));
-  EXPECT_TRUE(program.WaitForStatus(L"Indexhinweis wird entfernt..."));
-  EXPECT_EQ(program.WaitForExit(), 0U);
-  EXPECT_EQ(ReadFile(L"Teil.ipt").find("IndexHinweis"), std::string::npos);
-  const auto trace = Trace();
-  EXPECT_EQ(std::ranges::count(trace, "property.Delete()"), 1);
-  EXPECT_EQ(std::ranges::count(trace, "propertysets.WritePropertiesToFile()"), 1);
-  EXPECT_EQ(std::ranges::count(trace, "server.CloseServer()"), 0);
-  EXPECT_EQ(trace.back(), "alive 0");
+TEST_F(DocumentTasks, TheFirstTextNamedAsTheHintIsRemoved) {
+  const std::string hint = R"({"name": "IndexHinweis", "type": "text", "value": "alt"})";
+  const std::string number = R"({"name": "IndexHinweis", "type": "integer", "value": 1})";
+  const std::string lower = R"({"name": "indexhinweis", "type": "text", "value": "alt"})";
+  const std::string other = R"({"name": "A", "type": "text", "value": "1"})";
+  const struct {
+    const char* What;
+    std::string Properties;
+    std::vector<std::string> Asked;  // of one property after the other
+    bool Removed;
+  } cases[] = {
+      {"first", hint + "," + other, {"Value", "Name"}, true},
+      {"last", other + "," + hint, {"Value", "Name", "Value", "Name"}, true},
+      {"twice", hint + "," + other + "," + hint, {"Value", "Name"}, true},
+      {"as a number, then as a text", number + "," + hint, {"Value", "Value", "Name"}, true},
+      {"as a number", number, {"Value"}, false},
+      {"in other case", lower, {"Value", "Name"}, false},
+      {"absent", other, {"Value", "Name"}, false},
+      {"no properties", "", {}, false},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.What);
+    const std::string before =
+        "{\"propertySets\": [{}, {}, {}, {\"properties\": [" + test.Properties + "]}]}";
+    WriteFile(L"Teil.ipt", before);
+    WriteFile(L"trace.txt", "");
+    const TProgram program(Arguments(L"/RI", L"Teil.ipt"), Environment({{L"APPRENTICE_DELAY_MS", L"200"}}));
+    EXPECT_TRUE(program.WaitForStatus(L"Indexhinweis wird entfernt..."));
+    EXPECT_EQ(program.WaitForExit(), 0U);
+    EXPECT_EQ(ReadFile(L"Teil.ipt") == before, !test.Removed);
+
+    std::string expected = "Create OpenDocument PropertySets Item Count ";
+    for (const std::string& member : test.Asked) expected += "PropertySets Item Item " + member + " ";
+    if (test.Removed) expected += "PropertySets Item Item Delete PropertySets WritePropertiesToFile ";
+    std::string members;
+    for (const std::string& line : Trace()) {
+      const std::size_t start = line.find('.') + 1;
+      members += line.substr(start, line.find_first_of(" (", start) - start) + " ";
+    }
+    EXPECT_EQ(members, expected + "CloseDocument Release Release alive ");
+  }
 }
 
 TEST_F(DocumentTasks, ArgumentsOfAnyKindReachTheComponentWhole) {
