@@ -2,23 +2,26 @@
 
 namespace {
 
-/// Fetched anew for every access: positions are all that is kept of a property.
-TProperty PropertyAt(const TDocument& document, std::int32_t index) {
-  return document.PropertySets().Item(kCustomPropertySet).Item(index);
-}
-
 bool DeleteFirstHint(const TDocument& document) {
-  const std::int32_t count = document.PropertySets().Item(kCustomPropertySet).Count();
+  const std::int32_t count = CustomProperties(document).Count();
   for (std::int32_t index = 1; index <= count; ++index) {
-    if (!PropertyAt(document, index).Value().IsText()) continue;
-    if (PropertyAt(document, index).Name() != kIndexHintName) continue;
-    PropertyAt(document, index).Delete();
+    if (!CustomProperty(document, index).Value().IsText()) continue;
+    if (CustomProperty(document, index).Name() != kIndexHintName) continue;
+    CustomProperty(document, index).Delete();
     return true;
   }
   return false;
 }
 
 }  // namespace
+
+TPropertySet CustomProperties(const TDocument& document) {
+  return document.PropertySets().Item(kCustomPropertySet);
+}
+
+TProperty CustomProperty(const TDocument& document, std::int32_t index) {
+  return CustomProperties(document).Item(index);
+}
 
 bool AddIndexHint(const TDocument& document, const UnicodeString& oldIndex, const UnicodeString& newIndex,
                   const UnicodeString& hint) {

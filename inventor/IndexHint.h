@@ -9,6 +9,11 @@
 /// The set that holds the program's own (custom) properties.
 constexpr std::int32_t kCustomPropertySet = 4;
 
+/// That set, and one property of it. Both fetch the whole chain anew: positions shift when a property goes,
+/// so nothing but the position is kept between two steps.
+TPropertySet CustomProperties(const TDocument& document);
+TProperty CustomProperty(const TDocument& document, std::int32_t index);
+
 /// Exactly so; a property named in other letter case is no hint.
 constexpr TextView kIndexHintName = u"IndexHinweis";
 

@@ -5,8 +5,7 @@
 
 namespace {
 
-/// One update of one open document. The chain from the document down to a property is fetched anew for every
-/// access: positions shift when a property goes, so nothing but the position is kept between two steps.
+/// One update of one open document.
 class TPropertyUpdate {
  public:
   TPropertyUpdate(const TDocument& document, TPropertyList& list, const TIndexSettings& settings)
@@ -19,8 +18,8 @@ class TPropertyUpdate {
   const UnicodeString& OldIndex() const { return fOldIndex; }
 
  private:
-  TPropertySet Set() const { return fDocument.PropertySets().Item(kCustomPropertySet); }
-  TProperty Property(std::int32_t index) const { return Set().Item(index); }
+  TPropertySet Set() const { return CustomProperties(fDocument); }
+  TProperty Property(std::int32_t index) const { return CustomProperty(fDocument, index); }
   void UpdateOne(std::int32_t index);
   void Refill(std::int32_t index);
 

@@ -39,7 +39,7 @@ kBackEndUsers = {
     "headless": kHeadlessFolders + kMeasuringFolders,
 }
 kSharedWithComShell = tuple(f"platform/windows/{name}.h" for name in
-                            ("Handle", "SystemHandles", "VariantConversion", "Wide"))
+                            ("LastError", "SystemHandles", "VariantConversion", "Wide"))
 
 kLibraries = {
     "nlohmann/": ("simulator/",) + kMeasuringFolders,
@@ -195,12 +195,12 @@ kSamples = [
     ("app/A.cpp", "#include MAIN_HEADER", "neither"),
     ("app/A.cpp", '// #include "simulator/S.h"', None),
     ("app/A.cpp", '/*\n#include "simulator/S.h"\n*/ #include "platform/P.h"', None),
-    ("app/A.cpp", '#include "platform/windows/Handle.h"', "windows back end"),
-    ("platform/A.cpp", '#include "platform/windows/Handle.h"', "windows back end"),
-    ("ui/windows/A.cpp", '#include "platform/windows/Handle.h"', None),
-    ("simulator/com/A.cpp", '#include "platform/windows/Handle.h"', None),
+    ("app/A.cpp", '#include "platform/windows/LastError.h"', "windows back end"),
+    ("platform/A.cpp", '#include "platform/windows/LastError.h"', "windows back end"),
+    ("ui/windows/A.cpp", '#include "platform/windows/LastError.h"', None),
+    ("simulator/com/A.cpp", '#include "platform/windows/LastError.h"', None),
     ("simulator/com/A.cpp", '#include "platform/windows/Windowing.h"', "windows back end"),
-    ("simulator/A.cpp", '#include "platform/windows/Handle.h"', "windows back end"),
+    ("simulator/A.cpp", '#include "platform/windows/LastError.h"', "windows back end"),
     ("simulator/A.cpp", '#include "simulator/com/C.h"', "COM shell"),
     ("ui/headless/A.cpp", '#include "platform/headless/H.h"', None),
     ("app/A.cpp", '#include "platform/headless/H.h"', "headless back end"),
@@ -236,7 +236,7 @@ kSamples = [
 
 def SelfTest():
     headers = ("app/MainDlg.h", "inventor/I.h", "ui/U.h", "simulator/S.h", "simulator/com/C.h", "platform/P.h",
-               "platform/windows/Handle.h", "platform/windows/Windowing.h", "platform/headless/H.h", "tests/support/T.h")
+               "platform/windows/LastError.h", "platform/windows/Windowing.h", "platform/headless/H.h", "tests/support/T.h")
     failures = 0
     for file, line, wanted in kSamples:
         with tempfile.TemporaryDirectory() as folder:

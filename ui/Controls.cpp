@@ -19,18 +19,26 @@ TControl::~TControl() {
 
 void TControl::SetBounds(const TRect& designed) {
   fDesigned = designed;
-  Layout();
+  ApplyBounds();
 }
 
 void TControl::SetFont(const TFont& font) {
   fFont = font;
-  Layout();
+  ApplyFont();
 }
 
 void TControl::Layout() {
+  ApplyBounds();
+  ApplyFont();
+}
+
+void TControl::ApplyBounds() {
   const auto scaled = [dpi = fForm.fDpi](int length) { return ScaledToDpi(length, dpi); };
   fWindow.SetBounds(
       {scaled(fDesigned.Left), scaled(fDesigned.Top), scaled(fDesigned.Right), scaled(fDesigned.Bottom)});
+}
+
+void TControl::ApplyFont() {
   fWindow.SetFont(fFont, fForm.fDpi);
 }
 

@@ -30,6 +30,8 @@ class TControl {
   friend class TForm;
   TControl(TWindowKind kind, TForm& form, TNativeWindow& parent);
   void Layout();
+  void ApplyBounds();
+  void ApplyFont();
 
   TForm& fForm;
   TNativeWindow& fParentWindow;

@@ -5,8 +5,13 @@
 #include "platform/Error.h"
 #include "platform/System.h"
 
-/// What the last call of the system left behind, with the system's text.
+/// The system's error `code` with its text.
+inline EError SystemError(DWORD code) {
+  const auto signedCode = static_cast<std::int32_t>(code);
+  return {TErrorKind::System, signedCode, SystemErrorText(signedCode)};
+}
+
+/// What the last call of the system left behind.
 inline EError LastSystemError() {
-  const auto code = static_cast<std::int32_t>(::GetLastError());
-  return {TErrorKind::System, code, SystemErrorText(code)};
+  return SystemError(::GetLastError());
 }

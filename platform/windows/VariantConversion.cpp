@@ -21,13 +21,14 @@ IDispatch* Counted(const TDispatch& reference) {
   return object;
 }
 
-}  // namespace
-
+/// Owned by the caller. Throws std::bad_alloc.
 BSTR MakeBstr(TextView text) {
   const BSTR copy = ::SysAllocStringLen(Wide(text.data()), static_cast<UINT>(text.size()));
   if (copy == nullptr) throw std::bad_alloc();
   return copy;
 }
+
+}  // namespace
 
 TextView FromBstr(BSTR text) noexcept {
   return FromWide(text, ::SysStringLen(text));

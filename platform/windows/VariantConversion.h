@@ -26,8 +26,6 @@ TVariant FromComVariant(const VARIANT& variant);
 /// Fills an empty VARIANT. Throws std::bad_alloc when there is no room for a text.
 void AssignComVariant(VARIANT& target, const TVariant& value);
 
-/// A text for the system; the caller owns it. Throws std::bad_alloc.
-BSTR MakeBstr(TextView text);
 TextView FromBstr(BSTR text) noexcept;
 
 inline IDispatch* ComObject(const TDispatch& reference) noexcept {

@@ -4,16 +4,11 @@
 
 #include <utility>
 
-#include "platform/System.h"
+#include "platform/windows/LastError.h"
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 
 namespace {
-
-EError SystemError(DWORD code) {
-  const auto signedCode = static_cast<std::int32_t>(code);
-  return {TErrorKind::InputOutput, signedCode, SystemErrorText(signedCode)};
-}
 
 /// Deletes the file at its end unless it was kept.
 class TTemporaryFile {
@@ -30,7 +25,7 @@ class TTemporaryFile {
   /// Puts the file in the place of `target`.
   void MoveTo(const UnicodeString& target) {
     constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    if (!::MoveFileExW(Wide(fPath), Wide(target), kFlags)) throw simulator::LastSystemError();
+    if (!::MoveFileExW(Wide(fPath), Wide(target), kFlags)) throw LastSystemError();
     fKept = true;
   }
 
@@ -43,14 +38,13 @@ std::string Load(const UnicodeString& path) {
   constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   const TFileHandle file(::CreateFileW(Wide(path), GENERIC_READ, kShare, nullptr, OPEN_EXISTING,
                                        FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file) throw simulator::LastSystemError();
+  if (!file) throw LastSystemError();
   std::string bytes;
   for (DWORD count = 1; count > 0;) {
     constexpr DWORD kBlock = 64 * 1024;
     const std::size_t before = bytes.size();
     bytes.resize(before + kBlock);
-    if (!::ReadFile(file.Get(), bytes.data() + before, kBlock, &count, nullptr))
-      throw simulator::LastSystemError();
+    if (!::ReadFile(file.Get(), bytes.data() + before, kBlock, &count, nullptr)) throw LastSystemError();
     bytes.resize(before + count);
   }
   return bytes;
@@ -59,10 +53,10 @@ std::string Load(const UnicodeString& path) {
 void Write(const UnicodeString& path, const std::string& bytes) {
   const TFileHandle file(
       ::CreateFileW(Wide(path), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file) throw simulator::LastSystemError();
+  if (!file) throw LastSystemError();
   DWORD count = 0;
   if (!::WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr)) {
-    throw simulator::LastSystemError();
+    throw LastSystemError();
   }
 }
 
@@ -84,10 +78,6 @@ namespace simulator {
 
 TFileAccess SystemFiles() {
   return {Load, Store};
-}
-
-EError LastSystemError() {
-  return SystemError(::GetLastError());
 }
 
 }  // namespace simulator

@@ -2,14 +2,14 @@
 
 #include <string>
 
+#include "platform/windows/LastError.h"
 #include "platform/windows/Wide.h"
-#include "simulator/com/FileAccess.h"
 
 TTraceFile::TTraceFile(const UnicodeString& path)
     : fFile(::CreateFileW(Wide(path), FILE_APPEND_DATA,
                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
                           FILE_ATTRIBUTE_NORMAL, nullptr)) {
-  if (!fFile) throw simulator::LastSystemError();
+  if (!fFile) throw LastSystemError();
 }
 
 void TTraceFile::Append(std::string_view line) {
