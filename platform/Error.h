@@ -11,6 +11,7 @@ enum class TErrorKind {
   Component,    ///< the COM component; Code is an HRESULT
   InputOutput,  ///< files; Code is the runtime's input/output code or the system's error code
   System,       ///< a call of the system; Code is the system's error code
+  Sql,          ///< the SQL engine; Code is the engine's extended result code
 };
 
 /// The one error of the program. It travels unchanged from where it arises to the event handler's caller,

@@ -43,7 +43,7 @@ kSharedWithComShell = tuple(f"platform/windows/{name}.h" for name in
 
 kLibraries = {
     "nlohmann/": ("simulator/",) + kMeasuringFolders,
-    "sqlite3.h": ("database/",),
+    "sqlite3.h": ("database/", "benchmarks/"),
     "zlib.h": ("export/",),
     "gtest/": ("tests/",),
     "gmock/": ("tests/",),
@@ -64,7 +64,7 @@ kStandardHeaders = set("""
 kHeavyHeaders = {"filesystem", "fstream", "iomanip", "iostream", "istream", "ostream", "regex", "sstream"}
 kProgramFolders = ("app/", "inventor/", "export/", "database/", "ui/", "platform/")
 
-kPosixHeader = re.compile(r"(sys|arpa|netinet)/.*|(dirent|dlfcn|fcntl|poll|pwd|signal|spawn|unistd)\.h")
+kPosixHeader = re.compile(r"(sys|arpa|netinet)/.*|(dirent|dlfcn|fcntl|malloc|poll|pwd|signal|spawn|unistd)\.h")
 
 kOwnedCalls = re.compile(r"\b(Release|CloseHandle|VariantClear|SysFreeString)\s*\(")
 kOwners = re.compile(r"platform/windows/((System)?Handles?\.h|(Dispatch|Variant)\w*\.(h|cpp)|Bstr\w*\.h)")

@@ -4,9 +4,10 @@ set -euo pipefail
 
 packagesFor() {
     case $1 in
-        native) echo g++ cmake ninja-build python3 libgtest-dev nlohmann-json3-dev ;;
-        bench) echo g++ cmake ninja-build nlohmann-json3-dev libbenchmark-dev ;;
-        windows) echo g++-mingw-w64-x86-64-posix cmake ninja-build python3 googletest nlohmann-json3-dev ;;
+        native) echo g++ cmake ninja-build python3 libgtest-dev nlohmann-json3-dev \
+            libsqlite3-dev ;;
+        bench) echo g++ cmake ninja-build nlohmann-json3-dev libbenchmark-dev libsqlite3-dev ;;
+        windows) echo g++-mingw-w64-x86-64-posix cmake ninja-build python3 googletest nlohmann-json3-dev npm ;;
         # Wine only recommends the X libraries, but does without drawing, cursors or several screens if they lack.
         wine) echo wine wine64 fonts-wine xvfb libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 \
             libxrandr2 libxrender1 ;;
@@ -41,6 +42,8 @@ done
 installed=$(dpkg-query -W -f='${Package} ${db:Status-Status}\n' "${wanted[@]}" 2>/dev/null || true)
 missing=()
 for package in "${wanted[@]}"; do
+    # npm may have come with another package of Node.js; Debian's own would clash with it.
+    [ "$package" != npm ] || ! command -v npm >/dev/null || continue
     grep -qx "$package installed" <<<"$installed" || missing+=("$package")
 done
 if [ ${#missing[@]} -eq 0 ]; then

@@ -1,0 +1,53 @@
+#include "database/Engine.h"
+
+#include <sqlite3.h>
+
+#include <climits>
+#include <utility>
+
+void TConnectionTraits::Close(THandle handle) noexcept {
+  // The later form waits for statements that are still open, in whatever order their owners go.
+  ::sqlite3_close_v2(handle);
+}
+
+void TStatementTraits::Close(THandle handle) noexcept {
+  ::sqlite3_finalize(handle);
+}
+
+namespace database {
+
+EError SqlError(TextView message) {
+  return {TErrorKind::Sql, SQLITE_MISUSE, UnicodeString(message)};
+}
+
+EError EngineError(sqlite3* connection, TextView sql) {
+  UnicodeString message = u"Die Datenbank hat eine Anweisung nicht ausgeführt.\n\n";
+  message.append(TextFromUtf8(::sqlite3_errmsg(connection))).append(u"\n\n").append(sql);
+  return {TErrorKind::Sql, ::sqlite3_extended_errcode(connection), std::move(message)};
+}
+
+TStatement Prepare(sqlite3* connection, std::string_view& script, TextView sql) {
+  if (script.size() > INT_MAX) throw SqlError(u"Die Anweisung ist zu lang.");
+  // Blanks and comments in front of the end are a statement of their own, an empty one.
+  while (!script.empty()) {
+    sqlite3_stmt* statement = nullptr;
+    const char* rest = nullptr;
+    const int result =
+        ::sqlite3_prepare_v2(connection, script.data(), static_cast<int>(script.size()), &statement, &rest);
+    if (result != SQLITE_OK) throw EngineError(connection, sql);
+    script.remove_prefix(static_cast<std::size_t>(rest - script.data()));
+    if (statement != nullptr) return TStatement(statement);
+  }
+  return {};
+}
+
+bool Step(sqlite3* connection, sqlite3_stmt* statement, TextView sql) {
+  const int result = ::sqlite3_step(statement);
+  if (result == SQLITE_ROW) return true;
+  if (result == SQLITE_DONE) return false;
+  EError error = EngineError(connection, sql);
+  ::sqlite3_reset(statement);
+  throw error;
+}
+
+}  // namespace database

@@ -1,0 +1,204 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "database/Query.h"
+#include "database/Session.h"
+#include "platform/Error.h"
+#include "platform/Files.h"
+#include "platform/System.h"
+
+// The SQL layer with the statements that the program writes, on either engine build.
+
+namespace {
+
+class DatabaseContract : public testing::Test {
+ protected:
+  void SetUp() override {
+    Database.Folder = EnvironmentVariable(u"TEMP") + u"\\Datenbank ä";
+    ASSERT_TRUE(CreateFolders(Database.Folder));
+    Session.Open();
+    Database.Open();
+  }
+
+  void SetSql(const std::vector<UnicodeString>& lines) {
+    Query.SQL.Clear();
+    for (const UnicodeString& line : lines) Query.SQL.Add(line);
+  }
+  void Execute(const std::vector<UnicodeString>& lines) {
+    SetSql(lines);
+    Query.Execute();
+  }
+  void OpenTable(const UnicodeString& name) {
+    SetSql({u"DROP TABLE IF EXISTS " + name + u";",
+            u"CREATE TABLE " + name + u" (Zahl Integer,Marke Boolean,Text Char(5), ID AutoInc);",
+            u"SELECT * FROM " + name});
+    Query.Open();
+  }
+  void Select(const UnicodeString& name) {
+    SetSql({u"select * from " + name});
+    Query.Open();
+  }
+  UnicodeString ErrorOf(const std::vector<UnicodeString>& lines) {
+    SetSql(lines);
+    try {
+      Query.Open();
+    } catch (const EError& error) {
+      EXPECT_EQ(error.Kind(), TErrorKind::Sql);
+      EXPECT_FALSE(Query.Active());
+      return error.Message();
+    }
+    return u"";
+  }
+  /// Each row as "Zahl Marke Text ID", nulls as "-".
+  std::vector<UnicodeString> Rows() {
+    std::vector<UnicodeString> rows;
+    for (Query.First(); !Query.Eof(); Query.Next()) {
+      UnicodeString& row = rows.emplace_back();
+      for (const TextView name : {u"ZAHL", u"marke", u"Text", u"Id"}) {
+        const TField field = Query.Field(name);
+        row.append(row.empty() ? u"" : u" ").append(field.IsNull() ? u"-" : field.AsText());
+      }
+    }
+    return rows;
+  }
+  using TRows = std::vector<UnicodeString>;
+
+  TSession Session;
+  TDatabase Database{Session};
+  TQuery Query{Database};
+};
+
+}  // namespace
+
+TEST_F(DatabaseContract, TablesKeepApartWhateverTheMachineIsCalled) {
+  const std::vector<UnicodeString> names = {
+      u"",    u"VM",  u"PC-01", u"BÜRO-ÄÖß", u"A$B",  u"A.B",    u"1PC", u"O'NEIL", u"A\"B",
+      u"A`B", u"[A]", u"--A",   u"/*A",      u"A(B)", u"SELECT", u"A,B", u"A=B",    u"🔧",
+      u"#",   u"##",  u"A##B",  u"'",        u"\"",   u"temp.A", u"?1",  u":A",     u"@A",
+  };
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    OpenTable(u"##SA_" + names[i]);
+    Query.InsertRecord({static_cast<std::int64_t>(i), true, names[i]});
+  }
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    Execute({u"UPDATE ##SA_" + names[i] + u" SET MARKE = FALSE", u"Where ID = 1"});
+    Select(u"##sa_" + names[i]);
+    const UnicodeString expected = DecimalText(static_cast<std::int64_t>(i)) + u" 0 " + names[i] + u" 1";
+    EXPECT_EQ(Rows(), TRows{expected}) << Utf8FromText(names[i]);
+  }
+}
+
+TEST_F(DatabaseContract, RowsAreInsertedByPositionAndReadByName) {
+  OpenTable(u"##SA_VM");
+  EXPECT_EQ(Query.RowCount(), 0U);
+  EXPECT_TRUE(Query.Eof());
+  EXPECT_THROW(Query.Field(u"ID").AsInteger(), EError);
+
+  const UnicodeString longText(300, u'ä');
+  const UnicodeString half =
+      u"a\xD800"
+      u"b";  // a file may be called so
+  Query.InsertRecord({94, true, longText});
+  Query.InsertRecord({-1, false, u""});
+  Query.InsertRecord({nullptr, nullptr, half, 7});
+  const TField id = Query.Field(u"iD");
+  EXPECT_EQ(id.AsInteger(), 7) << "the new row is the current one";
+  Query.InsertRecord({});
+  EXPECT_EQ(id.AsInteger(), 8);
+  EXPECT_THROW(Query.InsertRecord({1, true, u"", 9, 5}), EError) << "more values than columns";
+  EXPECT_THROW(Query.InsertRecord({1, true, u"", 7}), EError) << "a key that is taken";
+
+  EXPECT_EQ(Query.RowCount(), 4U);
+  EXPECT_EQ(Rows(), (TRows{u"94 1 " + longText + u" 1", u"-1 0  2", u"- - " + half + u" 7", u"- - - 8"}));
+  EXPECT_TRUE(Query.Eof());
+  Query.GoTo(2);
+  EXPECT_EQ(Query.Field(u"Text").AsText(), half);
+  EXPECT_FALSE(Query.Field(u"Marke").AsBoolean());
+  Query.GoTo(0);
+  EXPECT_TRUE(Query.Field(u"Marke").AsBoolean());
+  EXPECT_EQ(Query.Field(u"Text").AsInteger(), 0);
+  EXPECT_THROW(Query.Field(u"Preis"), EError);
+}
+
+TEST_F(DatabaseContract, AnswersToSelectsInEveryForm) {
+  OpenTable(u"##T");
+  for (const std::int64_t number : {30, 10, 20}) Query.InsertRecord({number, true, u"AutoInc ##T; -- TRUE"});
+  struct {
+    std::vector<UnicodeString> Lines;
+    TRows Keys;
+  } const cases[] = {
+      {{u"SELECT", u" * FROM ##T", u"ORDER BY Zahl"}, {u"2", u"3", u"1"}},
+      {{u"SELECT * FROM ##T WHERE Marke = TRUE AND ID > 1;", u" -- Ende ##T"}, {u"2", u"3"}},
+      {{u"SELECT * FROM ##T Where Text = 'AutoInc ##T; -- TRUE' order by ID desc"}, {u"3", u"2", u"1"}},
+      {{u"SELECT * FROM ##T;", u"/* dann */ SELECT * FROM ##T WHERE Zahl = 20;;"}, {u"3"}},
+      {{u"SELECT * FROM temp.\"##T\" WHERE Text LIKE '%''%'"}, {}},
+  };
+  for (const auto& test : cases) {
+    SetSql(test.Lines);
+    Query.Open();
+    TRows keys;
+    for (const TField id = Query.Field(u"ID"); !Query.Eof(); Query.Next()) keys.push_back(id.AsText());
+    EXPECT_EQ(keys, test.Keys) << Utf8FromText(Query.SQL.Text());
+  }
+}
+
+TEST_F(DatabaseContract, WrongStatementsNameThemselvesAndTheEngine) {
+  OpenTable(u"##T");
+  Query.InsertRecord({1});
+  struct {
+    std::vector<UnicodeString> Lines;
+    TextView Message;  ///< a part of it
+  } const cases[] = {
+      {{u"SELECT * FROM ##FEHLT"}, u"no such table"},
+      {{u"SELEKT ä"}, u"syntax error"},
+      {{u"UPDATE ##T SET Text = 'O'NEIL'"}, u"syntax error"},
+      {{u"UPDATE ##T SET Zahl = 2"}, u"keine Datensätze"},
+      {{u""}, u"keine Datensätze"},
+      {{u"SELECT COUNT(*) FROM ##T"}, u"Nur \"SELECT * FROM Tabelle\""},
+      {{u"SELECT * FROM (SELECT 1)"}, u"Nur \"SELECT * FROM Tabelle\""},
+      {{u"SELECT * FROM ##T", UnicodeString(1, u'\0')}, u"unzulässiges Zeichen"},
+      {{u"ATTACH 'C:\\Temp\\Datei.db' AS D"}, u"too many attached databases"},
+      {{u"VACUUM INTO 'C:\\Temp\\Datei.db'"}, u"too many attached databases"},
+      {{u"CREATE TABLE ##U (AutoInc AutoInc, AutoInc Integer)"}, u"duplicate column"},
+  };
+  for (const auto& test : cases) {
+    const UnicodeString message = ErrorOf(test.Lines);
+    EXPECT_TRUE(message.find(test.Message) != UnicodeString::npos) << Utf8FromText(message);
+    if (test.Message.find(u"Zeichen") != TextView::npos) continue;
+    EXPECT_TRUE(message.find(test.Lines[0]) != UnicodeString::npos) << Utf8FromText(message);
+  }
+  Select(u"##T");
+  EXPECT_EQ(Rows(), TRows{u"2 - - 1"}) << "what an error has left";
+}
+
+TEST_F(DatabaseContract, TablesLiveAsLongAsTheSession) {
+  OpenTable(u"##T");
+  std::vector<TQueryChange> changes;
+  Query.OnChange = [&changes](TQueryChange change) { changes.push_back(change); };
+  Query.InsertRecord({1});
+  Query.Close();
+  EXPECT_THROW(Query.InsertRecord({1}), EError);
+  Database.Close();
+  EXPECT_NE(ErrorOf({u"SELECT * FROM ##T"}), u"");
+  Database.Open();
+  Select(u"##T");
+  EXPECT_EQ(Query.RowCount(), 1U);
+  EXPECT_EQ(changes, (std::vector{TQueryChange::Inserted, TQueryChange::Closing, TQueryChange::Opened}));
+
+  Query.Close();
+  Session.Close();
+  EXPECT_NE(ErrorOf({u"SELECT * FROM ##T"}), u"");
+  Session.Open();
+  EXPECT_NE(ErrorOf({u"SELECT * FROM ##T"}), u"");
+
+  TDatabase missing(Session);
+  missing.Folder = Database.Folder + u"\\fehlt";
+  try {
+    missing.Open();
+    ADD_FAILURE() << "there is no such folder";
+  } catch (const EError& error) {
+    EXPECT_EQ(error.Message(), u"Der Datenbankordner \"" + missing.Folder + u"\" ist nicht vorhanden.");
+  }
+}
