@@ -9,6 +9,9 @@
 /// True also for a folder that is reached through a link whose target exists.
 bool FolderExists(TextView path);
 
+/// False for a folder.
+bool FileExists(TextView path);
+
 /// Creates the folder with every missing folder above it. False when it does not exist afterwards.
 bool CreateFolders(TextView path);
 

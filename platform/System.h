@@ -10,6 +10,9 @@ UnicodeString CommandLine();
 /// The whole value, nothing in it expanded; empty when the variable is unset or empty.
 UnicodeString EnvironmentVariable(TextView name);
 
+/// The machine's network name, at most 15 characters; empty when it cannot be read.
+UnicodeString ComputerName();
+
 /// The system's text for an error code or HRESULT in the user's language, without the line break and blanks
 /// at its end. A code without a text gives "Systemfehler" and its hexadecimal digits.
 UnicodeString SystemErrorText(std::int32_t code);

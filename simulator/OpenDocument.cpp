@@ -19,7 +19,7 @@ TextView FolderOf(TextView fileName) {
 }
 
 bool HasDocumentExtension(TextView fileName) {
-  constexpr std::array<TextView, 3> kExtensions{u".ipt", u".iam", u".idw"};
+  constexpr std::array<TextView, 4> kExtensions{u".ipt", u".iam", u".idw", u".ipn"};
   const TextView extension = fileName.substr(fileName.size() - std::min<std::size_t>(fileName.size(), 4));
   return std::ranges::any_of(kExtensions, [extension](TextView known) { return SameText(extension, known); });
 }
@@ -47,7 +47,7 @@ TDocumentFile Parse(const UnicodeString& fileName, const std::string& bytes) {
 
 UnicodeString Checked(UnicodeString fileName) {
   if (HasDocumentExtension(fileName)) return fileName;
-  throw Failure(Quoted(fileName) + u" ist keine Inventor-Datei (.ipt, .iam oder .idw).");
+  throw Failure(Quoted(fileName) + u" ist keine Inventor-Datei (.ipt, .iam, .idw oder .ipn).");
 }
 
 }  // namespace

@@ -29,6 +29,12 @@ bool FolderExists(TextView path) {
   return std::filesystem::is_directory(headless::HostPath(path), error);
 }
 
+bool FileExists(TextView path) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(headless::HostPath(path), error);
+  return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+}
+
 bool CreateFolders(TextView path) {
   std::error_code error;
   std::filesystem::create_directories(headless::HostPath(path), error);

@@ -27,11 +27,13 @@ struct TMachine {
   std::filesystem::path Root;
   UnicodeString CommandLine;
   std::map<UnicodeString, UnicodeString, std::less<>> Environment;
+  UnicodeString ComputerName = u"PC-01";
   std::optional<std::string> StandardInput;  ///< nothing: the process has none
 
   std::vector<TDesktopWindow*> ZOrder;  ///< topmost first; not owned
   TRect WorkArea{0, 0, 1280, 1024};
   int Dpi = kDesignDpi;
+  bool HourGlass = false;  ///< the mouse cursor over the program's windows
 
   /// Creates the class and answers for the interface; empty: no class is registered. Throws what a failed
   /// creation throws.

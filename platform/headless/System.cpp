@@ -53,6 +53,10 @@ UnicodeString EnvironmentVariable(TextView name) {
   return found != Machine().Environment.end() ? found->second : UnicodeString();
 }
 
+UnicodeString ComputerName() {
+  return Machine().ComputerName;
+}
+
 UnicodeString SystemErrorText(std::int32_t code) {
   switch (code) {
     case kNoInterface:

@@ -32,6 +32,11 @@ bool FolderExists(TextView path) {
   return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 || OpensAsFolder(name);
 }
 
+bool FileExists(TextView path) {
+  const DWORD attributes = ::GetFileAttributesW(Wide(UnicodeString(path)));
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
 bool CreateFolders(TextView path) {
   const UnicodeString name(path);
   if (::CreateDirectoryW(Wide(name), nullptr)) return true;

@@ -26,6 +26,13 @@ UnicodeString EnvironmentVariable(TextView name) {
   return value;
 }
 
+UnicodeString ComputerName() {
+  std::array<wchar_t, MAX_COMPUTERNAME_LENGTH + 1> name{};
+  DWORD length = static_cast<DWORD>(name.size());
+  if (!::GetComputerNameW(name.data(), &length)) return {};
+  return UnicodeString(FromWide(name.data(), length));
+}
+
 UnicodeString SystemErrorText(std::int32_t code) {
   std::array<wchar_t, 1024> buffer{};
   const DWORD flags =

@@ -23,23 +23,26 @@ void Store(const UnicodeString& path, const std::string& bytes) {
 
 }  // namespace
 
-std::vector<std::string> TProgramTest::Run(TextView arguments) {
+void TProgramTest::StartComponent() {
   Trace.clear();
   TSimulatorSettings settings = Simulation;
   settings.Trace = [this](std::string_view line) { Trace.emplace_back(line); };
   settings.Sleep = [](int milliseconds) { headless::Machine().Now += milliseconds; };
   fSimulator = std::make_unique<TSimulator>(TFileAccess{Load, Store}, settings);
-
-  headless::TMachine& machine = headless::Machine();
-  machine.Now = 0;
-  machine.Log.clear();
-  machine.CommandLine = UnicodeString(u"\"C:\\Programme\\VelmoraInventor.exe\" ").append(arguments);
-  machine.CreateInstance = [this](const TGuid& clsid, const TGuid& iid) {
+  headless::Machine().CreateInstance = [this](const TGuid& clsid, const TGuid& iid) {
     if (clsid != kServerClass) throw ComponentError(kClassNotRegistered);
     if (iid != kSimulatedServerInterface) throw ComponentError(kNoInterface);
     if (RefuseCreation != 0) throw ComponentError(RefuseCreation);
     return fSimulator->CreateServer();
   };
+}
+
+std::vector<std::string> TProgramTest::Run(TextView arguments) {
+  StartComponent();
+  headless::TMachine& machine = headless::Machine();
+  machine.Now = 0;
+  machine.Log.clear();
+  machine.CommandLine = UnicodeString(u"\"C:\\Programme\\VelmoraInventor.exe\" ").append(arguments);
   ProgramMain();
   return machine.Log;
 }

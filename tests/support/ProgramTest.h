@@ -15,6 +15,9 @@ class TProgramTest : public TMachineTest {
   /// saw.
   std::vector<std::string> Run(TextView arguments);
 
+  /// Registers a fresh simulator on the machine, as Run does; the trace begins anew.
+  void StartComponent();
+
   /// The last run's calls, without the creations and releases of objects.
   std::vector<std::string> Calls() const;
   int LiveObjects() const { return fSimulator->LiveObjects(); }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "ui/Application.h"
+#include "ui/Screen.h"
 #include "ui/windows/Painting.h"
 #include "ui/windows/WindowClass.h"
 
@@ -86,6 +87,11 @@ LRESULT CALLBACK TNativeWindow::TImpl::FormProc(HWND window, UINT message, WPARA
       if (self->Events.OnDpiChanged) self->Events.OnDpiChanged(dpi);
     });
     return 0;
+  }
+  // Children ask their form first.
+  if (message == WM_SETCURSOR && ScreenCursor() == TCursor::HourGlass) {
+    SetScreenCursor(TCursor::HourGlass);
+    return TRUE;
   }
   return ::DefWindowProcW(window, message, wParam, lParam);
 }

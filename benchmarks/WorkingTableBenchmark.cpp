@@ -1,0 +1,179 @@
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "database/Session.h"
+#include "export/AssemblyScan.h"
+#include "export/WorkingTable.h"
+#include "inventor/ApprenticeServer.h"
+#include "platform/headless/Machine.h"
+#include "simulator/Simulator.h"
+
+// The working table beside statements written by hand, and the scan that fills it.
+
+namespace {
+
+constexpr std::int64_t kRows = 100'000;
+const UnicodeString kFile = u"C:\\Projekte\\Getriebe 08-15\\Wellen\\Lagerung\\Rillenkugellager 6206.ipt";
+const UnicodeString kName = u"Rillenkugellager 6206";
+
+std::size_t HeapInUse() {
+  const auto heap = mallinfo2();
+  return heap.uordblks + heap.hblkhd;
+}
+
+void Check(bool right) {
+  if (!right) std::abort();
+}
+
+/// An open query on a machine of its own.
+struct TTable {
+  TTable() {
+    std::string root = (std::filesystem::temp_directory_path() / "velmora-XXXXXX").string();
+    headless::Machine().Root = mkdtemp(root.data());
+    headless::Machine().Log.clear();
+    std::filesystem::create_directories(headless::HostPath(u"C:\\Temp"));
+    Database.Folder = u"C:\\Temp";
+    Session.Open();
+    Database.Open();
+    CreateWorkingTable(Query, u"PC-01");
+  }
+  ~TTable() { std::filesystem::remove_all(headless::Machine().Root); }
+  TTable(const TTable&) = delete;
+  TTable& operator=(const TTable&) = delete;
+
+  TSession Session;
+  TDatabase Database{Session};
+  TQuery Query{Database};
+};
+
+void InsertAndWalkByQuery(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    const std::size_t before = HeapInUse();
+    auto table = std::make_unique<TTable>();
+    state.ResumeTiming();
+    TQuery& query = table->Query;
+    for (std::int64_t i = 0; i < kRows; ++i) InsertFile(query, {kPartImage, kFile, kName, 1, i / 10});
+    std::size_t length = 0;
+    const TField file = query.Field(u"Filename");
+    const TField key = query.Field(u"AutoID");
+    for (query.First(); !query.Eof(); query.Next()) {
+      length += file.AsText().size() + static_cast<std::size_t>(key.AsInteger());
+    }
+    Check(length > kRows * kFile.size());
+    state.PauseTiming();
+    state.counters["bytes/row"] = static_cast<double>(HeapInUse() - before) / kRows;
+    table.reset();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(InsertAndWalkByQuery)->Unit(benchmark::kMillisecond);
+
+/// The same by hand, in the engine's own setting for texts and as one transaction or a statement each.
+void InsertAndWalkByHand(benchmark::State& state) {
+  const bool inOneTransaction = state.range(0) != 0;
+  for (auto _ : state) {
+    sqlite3* connection = nullptr;
+    Check(sqlite3_open(":memory:", &connection) == SQLITE_OK);
+    const auto run = [connection](const char* sql) {
+      Check(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr) == SQLITE_OK);
+    };
+    const auto prepare = [connection](const char* sql) {
+      sqlite3_stmt* statement = nullptr;
+      Check(sqlite3_prepare_v2(connection, sql, -1, &statement, nullptr) == SQLITE_OK);
+      return statement;
+    };
+    run("PRAGMA encoding='UTF-16le'; PRAGMA temp_store=MEMORY;"
+        "CREATE TEMP TABLE T (ImgIndex Integer,DoCopy Boolean,Filename Char(200),DisplayName "
+        "Char(50),IamIndex "
+        "Integer,DTID Integer,Tabelle Char(50),NewID Integer,Parent Integer,NewFilename Char(200),AutoID "
+        "INTEGER "
+        "PRIMARY KEY)");
+    if (inOneTransaction) run("BEGIN");
+    sqlite3_stmt* const insert = prepare("INSERT INTO T VALUES(?,?,?,?,?,?,?,?,?,NULL,NULL)");
+    for (std::int64_t i = 0; i < kRows; ++i) {
+      sqlite3_bind_int(insert, 1, kPartImage);
+      sqlite3_bind_int(insert, 2, 1);
+      sqlite3_bind_text16(insert, 3, kFile.data(), static_cast<int>(kFile.size() * 2), SQLITE_STATIC);
+      sqlite3_bind_text16(insert, 4, kName.data(), static_cast<int>(kName.size() * 2), SQLITE_STATIC);
+      sqlite3_bind_int(insert, 5, 1);
+      sqlite3_bind_int(insert, 6, 0);
+      sqlite3_bind_text16(insert, 7, u"", 0, SQLITE_STATIC);
+      sqlite3_bind_int(insert, 8, -1);
+      sqlite3_bind_int64(insert, 9, i / 10);
+      Check(sqlite3_step(insert) == SQLITE_DONE);
+      sqlite3_reset(insert);
+    }
+    sqlite3_finalize(insert);
+    if (inOneTransaction) run("COMMIT");
+    sqlite3_stmt* const select = prepare("SELECT * FROM T");
+    std::size_t length = 0;
+    while (sqlite3_step(select) == SQLITE_ROW) {
+      const auto* const text = static_cast<const char16_t*>(sqlite3_column_text16(select, 2));
+      const UnicodeString file(text, static_cast<std::size_t>(sqlite3_column_bytes16(select, 2)) / 2);
+      length += file.size() + static_cast<std::size_t>(sqlite3_column_int64(select, 10));
+    }
+    Check(length > kRows * kFile.size());
+    sqlite3_finalize(select);
+    sqlite3_close(connection);
+  }
+}
+BENCHMARK(InsertAndWalkByHand)->ArgName("transaction")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+constexpr int kAssemblies = 300;
+constexpr int kPartsEach = 332;  // with the assemblies and the root: 99,901 rows
+
+/// A root, its sub-assemblies, and their parts, all in memory.
+std::string LoadDocument(const UnicodeString& path) {
+  const bool isRoot = path.ends_with(u"Wurzel.iam");
+  std::string references;
+  for (int i = 0; i < (isRoot ? kAssemblies : kPartsEach); ++i) {
+    references += (i == 0 ? "\"" : ",\"") + std::string(isRoot ? "Baugruppe " : "Teil ") + std::to_string(i) +
+                  (isRoot ? ".iam\"" : ".ipt\"");
+  }
+  return R"({"references":[)" + references + "]}";
+}
+
+void CallComponent(const UnicodeString& file) {
+  const TApprenticeServer server;
+  const TDocument document = server.OpenDocument(file);
+  const std::int32_t count = document.ReferencedFiles().Count();
+  for (std::int32_t i = 1; i <= count; ++i) {
+    const UnicodeString name = document.ReferencedFiles().Item(i).FullFileName();
+    benchmark::DoNotOptimize(document.ReferencedFiles().Item(i).DisplayName());
+    if (name.ends_with(u".iam")) CallComponent(name);
+  }
+  server.CloseServer();
+}
+
+/// With the argument 0 the component's calls alone: their share of the whole.
+void Scan(benchmark::State& state) {
+  TSimulator simulator({LoadDocument, {}}, {});
+  headless::Machine().CreateInstance = [&simulator](const TGuid&, const TGuid&) {
+    return simulator.CreateServer();
+  };
+  const UnicodeString root = u"C:\\Temp\\Wurzel.iam";
+  for (auto _ : state) {
+    state.PauseTiming();
+    const auto table = std::make_unique<TTable>();
+    state.ResumeTiming();
+    if (state.range(0) == 0) {
+      CallComponent(root);
+    } else {
+      TAssemblyScan scan(table->Query);
+      scan.OnRootOpened = [](const UnicodeString&) {};
+      scan.OnLevelScanned = [] {};
+      scan.FirstOpenAssembly(root);
+      state.counters["rows"] = static_cast<double>(table->Query.RowCount());
+    }
+  }
+  headless::Machine().CreateInstance = nullptr;
+}
+BENCHMARK(Scan)->ArgName("whole")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+
+#include "database/Query.h"
+#include "platform/Text.h"
+
+/// Fills the working table with the files that an assembly uses, at every depth, and the drawings beside
+/// them. Each level has a server of its own. An error ends the scan where it stands: the rows so far stay,
+/// the cursor stays the hourglass, and the servers that are open are let go of without being closed.
+class TAssemblyScan {
+ public:
+  /// `query` is open on the empty working table and outlives the scan.
+  explicit TAssemblyScan(TQuery& query) : fQuery(query) {}
+
+  std::function<void(const UnicodeString& displayName)> OnRootOpened;
+  std::function<void()> OnLevelScanned;
+
+  /// Enters `Datei` itself, then everything below it. A cycle of references would not end.
+  void FirstOpenAssembly(const UnicodeString& Datei);
+
+ private:
+  void InsertRoot(const UnicodeString& Datei);
+  /// Enters the references of one assembly below the current row.
+  void ScanAssembly(const UnicodeString& Datei);
+  void EnterPart(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
+                 std::int64_t parent);
+  void EnterAssembly(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
+                     std::int64_t parent);
+  /// Enters the drawing of the same name beside `file`, if there is one.
+  void EnterDrawing(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
+                    std::int64_t parent);
+
+  TQuery& fQuery;
+};
