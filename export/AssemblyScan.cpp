@@ -22,20 +22,20 @@ bool IsPart(TextView file) {
 
 }  // namespace
 
-void TAssemblyScan::FirstOpenAssembly(const UnicodeString& Datei) {
-  InsertRoot(Datei);
-  ScanAssembly(Datei);
+void TAssemblyScan::FirstOpenAssembly(const UnicodeString& datei) {
+  InsertRoot(datei);
+  ScanAssembly(datei);
 }
 
-void TAssemblyScan::InsertRoot(const UnicodeString& Datei) {
+void TAssemblyScan::InsertRoot(const UnicodeString& datei) {
   {
     const TApprenticeServer server;
     SetScreenCursor(TCursor::HourGlass);
-    const TDocument document = server.OpenDocument(Datei);
+    const TDocument document = server.OpenDocument(datei);
     OnRootOpened(document.DisplayName());
-    InsertFile(fQuery, {kAssemblyImage, Datei, document.DisplayName(), document.ReferencedFiles().Count(),
+    InsertFile(fQuery, {kAssemblyImage, datei, document.DisplayName(), document.ReferencedFiles().Count(),
                         kRootParent});
-    const UnicodeString drawing = ChangeFileExtension(Datei, u".idw");
+    const UnicodeString drawing = ChangeFileExtension(datei, u".idw");
     if (FileExists(drawing)) {
       InsertFile(fQuery, {kDrawingImage, drawing, document.DisplayName(), document.ReferencedFiles().Count(),
                           kRootDrawingParent});
@@ -45,11 +45,11 @@ void TAssemblyScan::InsertRoot(const UnicodeString& Datei) {
   SetScreenCursor(TCursor::Default);
 }
 
-void TAssemblyScan::ScanAssembly(const UnicodeString& Datei) {
+void TAssemblyScan::ScanAssembly(const UnicodeString& datei) {
   {
     const TApprenticeServer server;
     SetScreenCursor(TCursor::HourGlass);
-    const TDocument document = server.OpenDocument(Datei);
+    const TDocument document = server.OpenDocument(datei);
     // The row entered last, once for the whole level. Where the root has a drawing beside it, that is the
     // drawing's: all references of the root then hang under its drawing, as designers are used to.
     const std::int64_t parent = fQuery.Field(u"AUTOID").AsInteger();

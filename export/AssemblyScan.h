@@ -16,13 +16,13 @@ class TAssemblyScan {
   std::function<void(const UnicodeString& displayName)> OnRootOpened;
   std::function<void()> OnLevelScanned;
 
-  /// Enters `Datei` itself, then everything below it. A cycle of references would not end.
-  void FirstOpenAssembly(const UnicodeString& Datei);
+  /// Enters `datei` itself, then everything below it. A cycle of references would not end.
+  void FirstOpenAssembly(const UnicodeString& datei);
 
  private:
-  void InsertRoot(const UnicodeString& Datei);
+  void InsertRoot(const UnicodeString& datei);
   /// Enters the references of one assembly below the current row.
-  void ScanAssembly(const UnicodeString& Datei);
+  void ScanAssembly(const UnicodeString& datei);
   void EnterPart(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
                  std::int64_t parent);
   void EnterAssembly(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
