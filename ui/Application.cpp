@@ -50,6 +50,17 @@ void TApplication::Terminate() {
   PostQuit();
 }
 
+void TApplication::Activate(TForm* form) {
+  if (form == fActiveForm) return;
+  fActiveForm = form;
+  if (form != nullptr && form->OnActivate) Guard(form->OnActivate);
+}
+
+void TApplication::Forget(const TForm& form) noexcept {
+  if (fMainForm == &form) fMainForm = nullptr;
+  if (fActiveForm == &form) fActiveForm = nullptr;
+}
+
 void TApplication::MessageBox(TextView text, TBoxIcon icon) {
   const TForm* owner = fActiveForm != nullptr ? fActiveForm : fMainForm;
   ShowMessageBox(owner != nullptr ? &owner->Window() : nullptr, text, fTitle, icon);

@@ -23,6 +23,16 @@ class TApplication {
   void Terminate();
   bool Terminated() const noexcept { return fTerminated; }
 
+  TForm* ActiveForm() const noexcept { return fActiveForm; }
+  /// The form becomes the active one and hears of it, unless it is already; null: none is.
+  void Activate(TForm* form);
+  bool IsMainForm(const TForm& form) const noexcept { return &form == fMainForm; }
+  /// The form goes: neither main nor active form any more.
+  void Forget(const TForm& form) noexcept;
+
+  /// True within a TBusyScope: a long piece of work runs inside an event, and no other event may begin.
+  bool Busy() const noexcept { return fBusy > 0; }
+
   /// A box with the button OK and the program's title, above the active form.
   void MessageBox(TextView text, TBoxIcon icon = TBoxIcon::None);
 
@@ -41,13 +51,25 @@ class TApplication {
   }
 
  private:
-  friend class TForm;
+  friend class TBusyScope;
 
   UnicodeString fTitle;
   TForm* fMainForm = nullptr;
   // A variable of ours, not the system's activation: coming back from another program is no change of form.
   TForm* fActiveForm = nullptr;
   bool fTerminated = false;
+  int fBusy = 0;
 };
 
 extern TApplication* Application;
+
+/// Around a long piece of work in an event. What the user types and clicks meanwhile is dropped at the end.
+class TBusyScope {
+ public:
+  TBusyScope() noexcept { ++Application->fBusy; }
+  ~TBusyScope() {
+    if (--Application->fBusy == 0) DiscardInput();
+  }
+  TBusyScope(const TBusyScope&) = delete;
+  TBusyScope& operator=(const TBusyScope&) = delete;
+};

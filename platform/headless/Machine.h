@@ -45,6 +45,9 @@ struct TMachine {
   /// never.
   std::deque<std::optional<int>> PressOkAfter;
 
+  /// What the user does while a dialog is open, one after the other.
+  std::deque<std::function<void()>> UserActions;
+
   /// What the user could see, each line with the time: windows, painted texts, boxes. UTF-8.
   std::vector<std::string> Log;
 

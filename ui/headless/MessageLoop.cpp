@@ -59,6 +59,25 @@ void PostQuit() {
   Queue().Quit = true;
 }
 
+/// The user does one thing after the other with the dialog. Where nothing is left that could ever happen, the
+/// log says "dialog idle" and the loop ends, so that a test can go on.
+void RunModalLoop(TNativeWindow&, const std::function<bool()>& ended) {
+  while (!Queue().Quit && !ended()) {
+    auto& actions = Machine().UserActions;
+    if (!actions.empty()) {
+      const std::function<void()> action = std::move(actions.front());
+      actions.pop_front();
+      action();
+    } else if (!RunNextTimer(std::nullopt)) {
+      Machine().Record("dialog idle");
+      return;
+    }
+  }
+}
+
+void KeepAlive() noexcept {}
+void DiscardInput() noexcept {}
+
 /// Where nothing is left that could ever happen, the window would stay until the user closes it: the log says
 /// "idle" and the loop ends, so that a test can go on.
 void RunMessageLoop() {

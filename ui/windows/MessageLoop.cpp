@@ -15,6 +15,40 @@ void RunMessageLoop() {
   }
 }
 
+void RunModalLoop(TNativeWindow& dialog, const std::function<bool()>& ended) {
+  const HWND window = reinterpret_cast<HWND>(dialog.Handle());
+  const HWND owner = ::GetWindow(window, GW_OWNER);
+  ::EnableWindow(owner, FALSE);
+  MSG message;
+  while (!ended() && !Application->Terminated() && ::GetMessageW(&message, nullptr, 0, 0) > 0) {
+    if (::IsDialogMessageW(window, &message)) continue;
+    ::TranslateMessage(&message);
+    ::DispatchMessageW(&message);
+  }
+  // Before the dialog goes: the system then activates its owner and not another program.
+  ::EnableWindow(owner, TRUE);
+}
+
+void KeepAlive() noexcept {
+  MSG message;
+  ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+}
+
+void DiscardInput() noexcept {
+  struct {
+    UINT First;
+    UINT Last;
+  } constexpr kInput[] = {
+      {WM_KEYFIRST, WM_KEYLAST}, {WM_MOUSEFIRST, WM_MOUSELAST}, {WM_NCLBUTTONDOWN, WM_NCXBUTTONDBLCLK}};
+  MSG message;
+  for (const auto& range : kInput) {
+    while (::PeekMessageW(&message, nullptr, range.First, range.Last, PM_REMOVE)) {
+      // Comes through whatever range is asked for.
+      if (message.message == WM_QUIT) return ::PostQuitMessage(static_cast<int>(message.wParam));
+    }
+  }
+}
+
 void PostQuit() {
   ::PostQuitMessage(0);
 }

@@ -2,68 +2,59 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <algorithm>
 #include <utility>
 
-#include "ui/Application.h"
-#include "ui/Screen.h"
-#include "ui/windows/Painting.h"
-#include "ui/windows/WindowClass.h"
+#include "ui/windows/NativeWindowImpl.h"
 
 namespace {
 
 constexpr TextView kPanelClass = u"TPanel";
 constexpr TextView kLabelClass = u"TLabel";
 constexpr TextView kTreeListClass = u"TTreeList";
-constexpr WORD kProgramIcon = 1;  // in the resources
 
 struct TStyle {
   DWORD Style;
   DWORD ExtendedStyle;
 };
 
-/// WS_SYSMENU draws nothing on a window without a frame; it gives the task bar button its command to close.
+constexpr DWORD kChild = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
+
 constexpr TStyle StyleOf(TWindowKind kind) {
-  if (kind == TWindowKind::StatusForm)
-    return {WS_POPUP | WS_SYSMENU | WS_CLIPCHILDREN, WS_EX_TOPMOST | WS_EX_APPWINDOW};
-  const DWORD extended =
-      kind == TWindowKind::TreeList ? WS_EX_CONTROLPARENT : 0;  // the focus goes to its list
-  return {WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, extended};
+  switch (kind) {
+    case TWindowKind::StatusForm:
+      // WS_SYSMENU draws nothing on a window without a frame; it gives the task bar button its command to
+      // close.
+      return {WS_POPUP | WS_SYSMENU | WS_CLIPCHILDREN, WS_EX_TOPMOST | WS_EX_APPWINDOW};
+    case TWindowKind::Dialog:
+      return {WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MAXIMIZEBOX | WS_CLIPCHILDREN, 0};
+    case TWindowKind::Button:
+      return {kChild | WS_TABSTOP | BS_PUSHBUTTON, 0};
+    case TWindowKind::DefaultButton:
+      return {kChild | WS_TABSTOP | BS_DEFPUSHBUTTON, 0};
+    case TWindowKind::ProgressBar:
+      return {kChild, 0};
+    case TWindowKind::TreeList:
+      return {kChild | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT};  // the focus goes to its list
+    case TWindowKind::Panel:
+    case TWindowKind::Label:
+      break;
+  }
+  return {kChild | WS_CLIPCHILDREN, 0};
 }
 
-HICON ProgramIcon() {
-  return ::LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(kProgramIcon));
+/// The system and we find a control by its window; only the default button is asked for by its number.
+HMENU NextControlId() {
+  static INT_PTR last = 100;
+  return reinterpret_cast<HMENU>(++last);
 }
 
 }  // namespace
 
-/// The system finds it through the window's user data.
-struct TNativeWindow::TImpl {
-  TWindowEvents Events;
-  UnicodeString Text;  // beside the window's own copy: painting must not ask for memory
-  TFontHandle Font;
-  int Bevel = 1;
-  TWindow Window;  // the first to go: its last messages still reach the rest
-
-  static TImpl* Of(HWND window) {
-    return reinterpret_cast<TImpl*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
-  }
-
-  static LRESULT CALLBACK FormProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  template <void (TImpl::*kPaint)(HDC dc, const RECT& area) const>
-  static LRESULT CALLBACK ControlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-
-  void PaintAsGround(HDC dc, const RECT& area) const {
-    ::FillRect(dc, &area, ::GetSysColorBrush(COLOR_BTNFACE));
-  }
-  void PaintAsPanel(HDC dc, const RECT& area) const { PaintPanel(dc, area, Bevel); }
-  void PaintAsLabel(HDC dc, const RECT& area) const { PaintCentredText(dc, area, Wide(Text), Font.Get()); }
-
-  static UnicodeString ClassOf(TWindowKind kind, TextView formClass);
-};
-
-/// The name of the kind's window class, made known to the system. The label is no STATIC of the system's:
-/// under the manifest that one loads the common controls, which cost a start more than anything else here.
+/// The label is no STATIC of the system's: under the manifest that one loads the common controls, which cost
+/// a start more than anything else here.
 UnicodeString TNativeWindow::TImpl::ClassOf(TWindowKind kind, TextView formClass) {
   switch (kind) {
     case TWindowKind::Panel:
@@ -75,34 +66,17 @@ UnicodeString TNativeWindow::TImpl::ClassOf(TWindowKind kind, TextView formClass
     case TWindowKind::TreeList:
       RegisterWindowClass(kTreeListClass, ControlProc<&TImpl::PaintAsGround>);
       return UnicodeString(kTreeListClass);
+    case TWindowKind::Button:
+    case TWindowKind::DefaultButton:
+      return u"BUTTON";
+    case TWindowKind::ProgressBar:
+      return UnicodeString(FromWide(PROGRESS_CLASSW));
     case TWindowKind::StatusForm:
+    case TWindowKind::Dialog:
       break;
   }
   RegisterWindowClass(formClass, FormProc, ProgramIcon());
   return UnicodeString(formClass);
-}
-
-LRESULT CALLBACK TNativeWindow::TImpl::FormProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  TImpl* const self = Of(window);
-  if (self != nullptr && message == WM_CLOSE) {
-    Application->Guard([self] {
-      if (self->Events.OnClose) self->Events.OnClose();
-    });
-    return 0;
-  }
-  if (self != nullptr && message == WM_DPICHANGED) {
-    // The rectangle that the system suggests here is left alone: it would move the form off its place.
-    Application->Guard([self, dpi = int{HIWORD(wParam)}] {
-      if (self->Events.OnDpiChanged) self->Events.OnDpiChanged(dpi);
-    });
-    return 0;
-  }
-  // Children ask their form first.
-  if (message == WM_SETCURSOR && ScreenCursor() == TCursor::HourGlass) {
-    SetScreenCursor(TCursor::HourGlass);
-    return TRUE;
-  }
-  return ::DefWindowProcW(window, message, wParam, lParam);
 }
 
 template <void (TNativeWindow::TImpl::*kPaint)(HDC dc, const RECT& area) const>
@@ -122,16 +96,17 @@ LRESULT CALLBACK TNativeWindow::TImpl::ControlProc(HWND window, UINT message, WP
 
 TNativeWindow::TNativeWindow(TWindowKind kind, TextView className, TNativeWindow* parent,
                              TWindowEvents events)
-    : fImpl(std::make_unique<TImpl>()) {
-  fImpl->Events = std::move(events);
+    : fImpl(new TImpl{.Kind = kind, .Events = std::move(events)}) {
   const UnicodeString windowClass = TImpl::ClassOf(kind, className);
   const TStyle style = StyleOf(kind);
   const HWND parentWindow = parent != nullptr ? parent->fImpl->Window.Get() : nullptr;
+  const HMENU id = (style.Style & WS_CHILD) != 0 ? NextControlId() : nullptr;
   const HWND window = ::CreateWindowExW(style.ExtendedStyle, Wide(windowClass), L"", style.Style, 0, 0, 0, 0,
-                                        parentWindow, nullptr, ProgramInstance(), nullptr);
+                                        parentWindow, id, ProgramInstance(), nullptr);
   if (window == nullptr) throw LastSystemError();
   fImpl->Window.Reset(window);
   ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(fImpl.get()));
+  if (kind == TWindowKind::ProgressBar) fImpl->BecomeProgressBar();
 }
 
 TNativeWindow::~TNativeWindow() = default;
@@ -145,6 +120,27 @@ void TNativeWindow::SetBounds(const TRect& bounds) {
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void TNativeWindow::SetPosition(int left, int top) {
+  ::SetWindowPos(fImpl->Window.Get(), nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+SIZE TNativeWindow::TImpl::WithFrame(int width, int height, int dpi) const {
+  const TStyle style = StyleOf(Kind);
+  RECT rect{0, 0, width, height};
+  ::AdjustWindowRectExForDpi(&rect, style.Style, FALSE, style.ExtendedStyle, static_cast<UINT>(dpi));
+  return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+void TNativeWindow::SetClientSize(int width, int height, int dpi) {
+  const SIZE size = fImpl->WithFrame(width, height, dpi);
+  ::SetWindowPos(fImpl->Window.Get(), nullptr, 0, 0, size.cx, size.cy,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void TNativeWindow::SetLeastClientSize(int width, int height, int dpi) {
+  fImpl->LeastSize = fImpl->WithFrame(width, height, dpi);
+}
+
 void TNativeWindow::SetText(TextView text) {
   fImpl->Text = text;
   ::SetWindowTextW(fImpl->Window.Get(), Wide(fImpl->Text));
@@ -152,19 +148,43 @@ void TNativeWindow::SetText(TextView text) {
 }
 
 void TNativeWindow::SetFont(const TFont& font, int dpi) {
-  LOGFONTW description{};
-  description.lfHeight = -ScaledToDpi(font.CharHeight, dpi);  // negative: without the leading
-  description.lfWeight = font.Bold ? FW_BOLD : FW_NORMAL;
-  description.lfCharSet = DEFAULT_CHARSET;
-  CopyText(description.lfFaceName, font.Name);
-  fImpl->Font.Reset(::CreateFontIndirectW(&description));
-  fImpl->Bevel = std::max(1, ScaledToDpi(1, dpi));
+  fImpl->Font = MakeFont(font, dpi);
+  fImpl->Dpi = dpi;
+  ::SendMessageW(fImpl->Window.Get(), WM_SETFONT, reinterpret_cast<WPARAM>(fImpl->Font.Get()), FALSE);
+  fImpl->LoadButtonImage();
   ::InvalidateRect(fImpl->Window.Get(), nullptr, FALSE);
 }
 
 void TNativeWindow::Show() {
-  ::SetWindowPos(fImpl->Window.Get(), HWND_TOPMOST, 0, 0, 0, 0,
-                 SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+  constexpr UINT kShow = SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE;
+  if (fImpl->Kind == TWindowKind::StatusForm) {
+    ::SetWindowPos(fImpl->Window.Get(), HWND_TOPMOST, 0, 0, 0, 0, kShow | SWP_NOACTIVATE);
+  } else {
+    // Not ShowWindow: the first one of a process does what the starting program has asked for.
+    ::SetWindowPos(fImpl->Window.Get(), HWND_TOP, 0, 0, 0, 0, kShow);
+    ::SetForegroundWindow(fImpl->Window.Get());
+    Repaint();
+  }
+}
+
+void TNativeWindow::Hide() {
+  ::ShowWindow(fImpl->Window.Get(), SW_HIDE);
+}
+
+void TNativeWindow::SetVisible(bool visible) {
+  ::ShowWindow(fImpl->Window.Get(), visible ? SW_SHOWNA : SW_HIDE);
+}
+
+void TNativeWindow::Focus() {
+  HWND target = fImpl->Window.Get();
+  // A ground hands the focus to what stands on it.
+  if (fImpl->Kind == TWindowKind::TreeList) target = ::GetWindow(target, GW_CHILD);
+  const HWND form = ::GetAncestor(target, GA_ROOT);
+  if (::GetActiveWindow() == form) {
+    ::SetFocus(target);
+  } else if (TImpl* const owner = TImpl::Of(form); owner != nullptr) {
+    owner->LastFocus = target;
+  }
 }
 
 void TNativeWindow::Repaint() {

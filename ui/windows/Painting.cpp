@@ -1,5 +1,9 @@
 #include "ui/windows/Painting.h"
 
+#include <cmath>
+
+#include "ui/windows/WindowClass.h"
+
 namespace {
 
 void FillSystem(HDC dc, const RECT& area, int colour) {
@@ -15,7 +19,76 @@ void PaintFrame(HDC dc, RECT& area, int width, int topLeft, int bottomRight) {
   ::InflateRect(&area, -width, -width);
 }
 
+constexpr WORD kProgramIcon = 1;  // in the resources
+
+constexpr COLORREF kProgressGreen = RGB(6, 176, 37);
+
+bool InHighContrast() noexcept {
+  HIGHCONTRASTW contrast{};
+  contrast.cbSize = sizeof contrast;
+  return ::SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
+         (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
+/// A surface of the same size in memory, put on the screen as a whole at its end: nothing flickers.
+class TBufferedDc {
+ public:
+  TBufferedDc(HDC dc, const RECT& area) noexcept
+      : fTarget(dc),
+        fWidth(area.right - area.left),
+        fHeight(area.bottom - area.top),
+        fDc(::CreateCompatibleDC(dc)),
+        fBitmap(::CreateCompatibleBitmap(dc, fWidth, fHeight)),
+        fOldBitmap(::SelectObject(fDc, fBitmap)) {}
+  ~TBufferedDc() {
+    ::BitBlt(fTarget, 0, 0, fWidth, fHeight, fDc, 0, 0, SRCCOPY);
+    ::SelectObject(fDc, fOldBitmap);
+    ::DeleteObject(fBitmap);
+    ::DeleteDC(fDc);
+  }
+  TBufferedDc(const TBufferedDc&) = delete;
+  TBufferedDc& operator=(const TBufferedDc&) = delete;
+
+  HDC Dc() const noexcept { return fDc; }
+
+ private:
+  HDC fTarget;
+  int fWidth;
+  int fHeight;
+  HDC fDc;
+  HBITMAP fBitmap;
+  HGDIOBJ fOldBitmap;
+};
+
+/// The part of `text`, centred in `area`, that lies within `clip`.
+void PaintTextWithin(HDC dc, const RECT& clip, const RECT& area, const wchar_t* text,
+                     COLORREF colour) noexcept {
+  const TSavedDc saved(dc);
+  ::IntersectClipRect(dc, clip.left, clip.top, clip.right, clip.bottom);
+  ::SetTextColor(dc, colour);
+  RECT place = area;
+  ::DrawTextW(dc, text, -1, &place, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+}
+
 }  // namespace
+
+TFontHandle MakeFont(const TFont& font, int dpi) {
+  LOGFONTW description{};
+  description.lfHeight = -ScaledToDpi(font.CharHeight, dpi);  // negative: without the leading
+  description.lfWeight = font.Bold ? FW_BOLD : FW_NORMAL;
+  description.lfCharSet = DEFAULT_CHARSET;
+  CopyText(description.lfFaceName, font.Name);
+  return TFontHandle(::CreateFontIndirectW(&description));
+}
+
+HICON ProgramIcon() noexcept {
+  return ::LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(kProgramIcon));
+}
+
+TIconHandle LoadProgramIcon(WORD id, int size) noexcept {
+  return TIconHandle(static_cast<HICON>(
+      ::LoadImageW(ProgramInstance(), MAKEINTRESOURCEW(id), IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
+}
 
 void PaintPanel(HDC dc, const RECT& area, int bevel) noexcept {
   RECT rest = area;
@@ -36,4 +109,26 @@ void PaintCentredText(HDC dc, const RECT& area, const wchar_t* text, HFONT font)
   RECT place = area;
   place.top += (area.bottom - area.top - height) / 2;
   ::DrawTextW(dc, text, -1, &place, kFormat);
+}
+
+void PaintProgress(HDC dc, const RECT& area, double begin, double end, const wchar_t* text,
+                   HFONT font) noexcept {
+  const bool highContrast = InHighContrast();
+  const TBufferedDc buffer(dc, area);
+  RECT rest{0, 0, area.right - area.left, area.bottom - area.top};
+  PaintFrame(buffer.Dc(), rest, 1, COLOR_BTNSHADOW, COLOR_BTNSHADOW);
+  const auto at = [&rest](double part) { return rest.left + std::lround(part * (rest.right - rest.left)); };
+  const RECT filled{at(begin), rest.top, at(end), rest.bottom};
+  FillSystem(buffer.Dc(), rest, highContrast ? COLOR_WINDOW : COLOR_3DLIGHT);
+  if (highContrast) {
+    FillSystem(buffer.Dc(), filled, COLOR_HIGHLIGHT);
+  } else {
+    ::SetBkColor(buffer.Dc(), kProgressGreen);
+    ::ExtTextOutW(buffer.Dc(), 0, 0, ETO_OPAQUE, &filled, nullptr, 0, nullptr);
+  }
+  ::SelectObject(buffer.Dc(), font);
+  ::SetBkMode(buffer.Dc(), TRANSPARENT);
+  const COLORREF black = RGB(0, 0, 0);
+  PaintTextWithin(buffer.Dc(), rest, rest, text, highContrast ? ::GetSysColor(COLOR_WINDOWTEXT) : black);
+  if (highContrast) PaintTextWithin(buffer.Dc(), filled, rest, text, ::GetSysColor(COLOR_HIGHLIGHTTEXT));
 }

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "platform/Handle.h"
+#include "ui/NativeWindow.h"
 
 struct TFontTraits {
   using THandle = HFONT;
@@ -10,6 +11,20 @@ struct TFontTraits {
   static void Close(THandle handle) noexcept { ::DeleteObject(handle); }
 };
 using TFontHandle = TUniqueHandle<TFontTraits>;
+
+struct TIconTraits {
+  using THandle = HICON;
+  static THandle None() noexcept { return nullptr; }
+  static void Close(THandle handle) noexcept { ::DestroyIcon(handle); }
+};
+using TIconHandle = TUniqueHandle<TIconTraits>;
+
+TFontHandle MakeFont(const TFont& font, int dpi);
+
+/// The program's icon, shared: never destroyed.
+HICON ProgramIcon() noexcept;
+/// An icon of the resources, `size` pixels wide and high; none where there is no such icon.
+TIconHandle LoadProgramIcon(WORD id, int size) noexcept;
 
 /// The drawing surface of a WM_PAINT, for as long as it is handled.
 class TPaintScope {
@@ -45,3 +60,7 @@ void PaintPanel(HDC dc, const RECT& area, int bevel) noexcept;
 
 /// `text` centred both ways in `area` and never wrapped; a carriage return begins a new line.
 void PaintCentredText(HDC dc, const RECT& area, const wchar_t* text, HFONT font) noexcept;
+
+/// A bar that is filled from `begin` to `end`, fractions of its width, with `text` centred over it.
+void PaintProgress(HDC dc, const RECT& area, double begin, double end, const wchar_t* text,
+                   HFONT font) noexcept;

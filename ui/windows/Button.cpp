@@ -1,0 +1,56 @@
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "ui/windows/NativeWindowImpl.h"
+
+// Images and tool tips of the push buttons.
+
+namespace {
+
+constexpr int kImageSize = 16;  // in pixels at kDesignDpi
+
+WORD IconOf(TButtonImage image) {
+  switch (image) {
+    case TButtonImage::ExpandAll:
+      return 97;
+    case TButtonImage::CollapseAll:
+      return 98;
+    case TButtonImage::Export:
+      break;
+  }
+  return 99;
+}
+
+}  // namespace
+
+void TNativeWindow::SetImage(TButtonImage image) {
+  fImpl->Image = image;
+  fImpl->LoadButtonImage();
+}
+
+void TNativeWindow::TImpl::LoadButtonImage() {
+  if (!Image) return;
+  TIconHandle icon = LoadProgramIcon(IconOf(*Image), ScaledToDpi(kImageSize, Dpi));
+  ::SendMessageW(Window.Get(), BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon.Get()));
+  Icon = std::move(icon);
+}
+
+void TNativeWindow::SetTextHidden() {
+  const LONG_PTR style = ::GetWindowLongPtrW(fImpl->Window.Get(), GWL_STYLE);
+  ::SetWindowLongPtrW(fImpl->Window.Get(), GWL_STYLE, style | BS_ICON);
+  fImpl->ShowTextAsToolTip();
+}
+
+void TNativeWindow::TImpl::ShowTextAsToolTip() {
+  ToolTip.Reset(::CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0, 0,
+                                  0, ::GetAncestor(Window.Get(), GA_ROOT), nullptr, ProgramInstance(),
+                                  nullptr));
+  TOOLINFOW tool{};
+  tool.cbSize = sizeof tool;
+  tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+  tool.hwnd = ::GetParent(Window.Get());
+  tool.uId = reinterpret_cast<UINT_PTR>(Window.Get());
+  tool.lpszText = WideBuffer(Text);
+  ::SendMessageW(ToolTip.Get(), TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}

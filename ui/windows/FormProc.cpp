@@ -1,0 +1,101 @@
+#include <windows.h>
+
+#include "ui/Application.h"
+#include "ui/Screen.h"
+#include "ui/windows/NativeWindowImpl.h"
+
+// The messages of status forms and dialogs. A dialog is a window of our own and none of the system's dialog
+// manager: what a dialog owes to IsDialogMessage is done here.
+
+namespace {
+
+struct TFormMessage {
+  UINT Message;
+  std::optional<LRESULT> (TNativeWindow::TImpl::*Handle)(WPARAM wParam, LPARAM lParam);
+};
+
+constexpr TFormMessage kFormMessages[] = {
+    {WM_CLOSE, &TNativeWindow::TImpl::Close},        {WM_DPICHANGED, &TNativeWindow::TImpl::DpiChanged},
+    {WM_SIZE, &TNativeWindow::TImpl::Sized},         {WM_GETMINMAXINFO, &TNativeWindow::TImpl::LimitSize},
+    {WM_COMMAND, &TNativeWindow::TImpl::Command},    {DM_GETDEFID, &TNativeWindow::TImpl::TellDefaultButton},
+    {WM_ACTIVATE, &TNativeWindow::TImpl::KeepFocus}, {WM_SETCURSOR, &TNativeWindow::TImpl::SetCursor},
+};
+
+}  // namespace
+
+LRESULT CALLBACK TNativeWindow::TImpl::FormProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (TImpl* const self = Of(window); self != nullptr) {
+    for (const TFormMessage& known : kFormMessages) {
+      if (known.Message != message) continue;
+      if (const std::optional<LRESULT> result = (self->*known.Handle)(wParam, lParam)) return *result;
+    }
+  }
+  return ::DefWindowProcW(window, message, wParam, lParam);
+}
+
+std::optional<LRESULT> TNativeWindow::TImpl::Close(WPARAM, LPARAM) {
+  Application->Guard([this] {
+    if (Events.OnClose) Events.OnClose();
+  });
+  return 0;
+}
+
+std::optional<LRESULT> TNativeWindow::TImpl::DpiChanged(WPARAM wParam, LPARAM) {
+  // The rectangle that the system suggests here is left alone: it would move the form off its place.
+  Application->Guard([this, dpi = int{HIWORD(wParam)}] {
+    if (Events.OnDpiChanged) Events.OnDpiChanged(dpi);
+  });
+  return 0;
+}
+
+std::optional<LRESULT> TNativeWindow::TImpl::Sized(WPARAM wParam, LPARAM lParam) {
+  if (wParam == SIZE_MINIMIZED) return std::nullopt;
+  Application->Guard([this, width = int{LOWORD(lParam)}, height = int{HIWORD(lParam)}] {
+    if (Events.OnSized) Events.OnSized(width, height);
+  });
+  return std::nullopt;
+}
+
+std::optional<LRESULT> TNativeWindow::TImpl::LimitSize(WPARAM, LPARAM lParam) {
+  reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {LeastSize.cx, LeastSize.cy};
+  return 0;
+}
+
+std::optional<LRESULT> TNativeWindow::TImpl::Command(WPARAM wParam, LPARAM lParam) {
+  // Esc comes from IsDialogMessage and not from a control.
+  if (lParam == 0) return LOWORD(wParam) == IDCANCEL ? Close(0, 0) : std::nullopt;
+  TImpl* const button = Of(reinterpret_cast<HWND>(lParam));
+  if (HIWORD(wParam) != BN_CLICKED || button == nullptr || !button->Events.OnClick) return std::nullopt;
+  Application->Guard(button->Events.OnClick);
+  return 0;
+}
+
+std::optional<LRESULT> TNativeWindow::TImpl::TellDefaultButton(WPARAM, LPARAM) {
+  for (HWND child = ::GetWindow(Window.Get(), GW_CHILD); child != nullptr;
+       child = ::GetWindow(child, GW_HWNDNEXT)) {
+    const TImpl* const control = Of(child);
+    if (control != nullptr && control->Kind == TWindowKind::DefaultButton) {
+      return MAKELRESULT(::GetDlgCtrlID(child), DC_HASDEFID);
+    }
+  }
+  return std::nullopt;
+}
+
+/// The child that has the focus gets it again when the form comes back to the front.
+std::optional<LRESULT> TNativeWindow::TImpl::KeepFocus(WPARAM wParam, LPARAM) {
+  if (Kind != TWindowKind::Dialog) return std::nullopt;
+  if (LOWORD(wParam) == WA_INACTIVE) {
+    if (const HWND focus = ::GetFocus(); ::IsChild(Window.Get(), focus)) LastFocus = focus;
+    return std::nullopt;
+  }
+  if (!::IsWindow(LastFocus)) LastFocus = ::GetNextDlgTabItem(Window.Get(), nullptr, FALSE);
+  ::SetFocus(LastFocus);
+  return 0;
+}
+
+std::optional<LRESULT> TNativeWindow::TImpl::SetCursor(WPARAM, LPARAM) {
+  // Children ask their form first.
+  if (ScreenCursor() != TCursor::HourGlass) return std::nullopt;
+  SetScreenCursor(TCursor::HourGlass);
+  return TRUE;
+}
