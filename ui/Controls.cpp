@@ -20,16 +20,23 @@ TControl::~TControl() {
 void TControl::SetBounds(const TRect& designed) {
   fDesigned = designed;
   ApplyBounds();
+  Arranged();
 }
 
 void TControl::SetFont(const TFont& font) {
   fFont = font;
   ApplyFont();
+  Arranged();
 }
 
 void TControl::Layout() {
   ApplyBounds();
   ApplyFont();
+  Arranged();
+}
+
+int TControl::Dpi() const noexcept {
+  return fForm.fDpi;
 }
 
 void TControl::ApplyBounds() {

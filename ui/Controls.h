@@ -22,9 +22,14 @@ class TControl {
  protected:
   TControl(TWindowKind kind, TForm& form);
   TControl(TWindowKind kind, TControl& parent);
-  ~TControl();
+  virtual ~TControl();
 
   TNativeWindow& Window() noexcept { return fWindow; }
+  const TFont& Font() const noexcept { return fFont; }
+  int Dpi() const noexcept;
+
+  /// Called when place, font or scale of the control have been set.
+  virtual void Arranged() {}
 
  private:
   friend class TForm;

@@ -19,6 +19,7 @@ enum class TWindowKind {
   StatusForm,  ///< top level: no border, always on top, a task bar button of its own
   Panel,       ///< fills itself with the button face; outer bevel lowered, inner bevel raised, one pixel each
   Label,       ///< its text centred both ways, never wrapped: a new line begins at a carriage return
+  TreeList,    ///< the ground of a TNativeTreeList, which fills it
 };
 
 /// What a window reports. Each is called from the message loop; errors that leave it go to the application's

@@ -13,6 +13,7 @@ namespace {
 
 constexpr TextView kPanelClass = u"TPanel";
 constexpr TextView kLabelClass = u"TLabel";
+constexpr TextView kTreeListClass = u"TTreeList";
 constexpr WORD kProgramIcon = 1;  // in the resources
 
 struct TStyle {
@@ -24,7 +25,9 @@ struct TStyle {
 constexpr TStyle StyleOf(TWindowKind kind) {
   if (kind == TWindowKind::StatusForm)
     return {WS_POPUP | WS_SYSMENU | WS_CLIPCHILDREN, WS_EX_TOPMOST | WS_EX_APPWINDOW};
-  return {WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0};
+  const DWORD extended =
+      kind == TWindowKind::TreeList ? WS_EX_CONTROLPARENT : 0;  // the focus goes to its list
+  return {WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, extended};
 }
 
 HICON ProgramIcon() {
@@ -49,6 +52,9 @@ struct TNativeWindow::TImpl {
   template <void (TImpl::*kPaint)(HDC dc, const RECT& area) const>
   static LRESULT CALLBACK ControlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
+  void PaintAsGround(HDC dc, const RECT& area) const {
+    ::FillRect(dc, &area, ::GetSysColorBrush(COLOR_BTNFACE));
+  }
   void PaintAsPanel(HDC dc, const RECT& area) const { PaintPanel(dc, area, Bevel); }
   void PaintAsLabel(HDC dc, const RECT& area) const { PaintCentredText(dc, area, Wide(Text), Font.Get()); }
 
@@ -65,6 +71,9 @@ UnicodeString TNativeWindow::TImpl::ClassOf(TWindowKind kind, TextView formClass
     case TWindowKind::Label:
       RegisterWindowClass(kLabelClass, ControlProc<&TImpl::PaintAsLabel>);
       return UnicodeString(kLabelClass);
+    case TWindowKind::TreeList:
+      RegisterWindowClass(kTreeListClass, ControlProc<&TImpl::PaintAsGround>);
+      return UnicodeString(kTreeListClass);
     case TWindowKind::StatusForm:
       break;
   }
