@@ -85,9 +85,9 @@ class TNativeTreeList {
   int ColumnSpace() const;
   /// How many lines are in view as a whole.
   std::size_t PageSize() const;
-  /// How wide a column must be to show `text` in full: in the tree's column at `level`, in another one
-  /// plainly.
-  int NeededWidth(TextView text, bool inTree, int level) const;
+  /// How wide a column must be to show `text` in full; the tree's column needs TreeWidth more.
+  int NeededWidth(TextView text) const;
+  int TreeWidth(int level) const;
   /// The same for a header.
   int NeededHeaderWidth(TextView caption) const;
 

@@ -111,10 +111,22 @@ void TTreeList::ShowColumns() {
 void TTreeList::FitWidths() {
   if (Updating()) return;
   std::vector<int> shares;
-  for (const TTreeColumn* column : fVisible) {
-    shares.push_back(column->fFittedWidth != 0 ? column->fFittedWidth : column->fDesign.Width);
-  }
+  for (const TTreeColumn* column : fVisible) shares.push_back(ShareOf(*column));
   fNative.SetColumnWidths(DivideWidth(shares, fNative.ColumnSpace()));
+}
+
+/// The tree's column grows with the branches that are opened, but leaves half of the width to the others.
+int TTreeList::ShareOf(const TTreeColumn& column) const {
+  if (column.fFittedWidth == 0) return column.fDesign.Width;
+  if (&column != fVisible.front()) return column.fFittedWidth;
+  int designed = 0;
+  for (const TTreeColumn* each : fVisible) designed += each->fDesign.Width;
+  const int level = std::min(fDepth, designed);  // deeper than there are pixels
+  return std::min(column.fFittedWidth + Designed(fNative.TreeWidth(level)), std::max(designed / 2, 1));
+}
+
+int TTreeList::Designed(int pixels) const {
+  return (pixels * kDesignDpi + Dpi() - 1) / Dpi();
 }
 
 void TTreeList::FitWantedColumns() {
@@ -124,21 +136,17 @@ void TTreeList::FitWantedColumns() {
   FitWidths();
 }
 
-/// One walk over the rows in view, and one measurement for each of their levels.
+/// One walk over the rows in view, and one measurement.
 void TTreeList::Fit(TTreeColumn& column) {
   if (fModel.LineCount() == 0) return;
   const TCursorKeeper keeper(*fQuery);
   const TField field = fQuery->Field(column.FieldName());
-  const std::vector<UnicodeString> longest = fModel.LongestByLevel([this, &field](std::size_t record) {
+  const UnicodeString longest = fModel.LongestText([this, &field](std::size_t record) {
     fQuery->GoTo(record);
     return field.AsText();
   });
-  const bool inTree = &column == fVisible.front();
-  int width = fNative.NeededHeaderWidth(column.Caption());
-  for (std::size_t level = 0; level < longest.size(); ++level) {
-    width = std::max(width, fNative.NeededWidth(longest[level], inTree, static_cast<int>(level)));
-  }
-  column.fFittedWidth = (width * kDesignDpi + Dpi() - 1) / Dpi();
+  const int caption = fNative.NeededHeaderWidth(column.Caption());
+  column.fFittedWidth = Designed(std::max(caption, fNative.NeededWidth(longest)));
 }
 
 // --- binding
@@ -222,6 +230,7 @@ void TTreeList::EndUpdate() noexcept {
 
 void TTreeList::ShowLines() {
   fNative.SetLines(fModel.LineCount(), fModel.CurrentLine());
+  if (std::exchange(fDepth, fModel.Depth()) != fModel.Depth()) FitWidths();
 }
 
 void TTreeList::ShowCurrent() {

@@ -47,7 +47,7 @@ class TTreeColumn {
   int Tag() const noexcept { return fDesign.Tag; }
 
   void SetVisible(bool visible);
-  /// Makes the column's share of the width what its longest text in an open branch needs.
+  /// Makes the column's share of the width what the longest text in an open branch needs.
   void ApplyBestFit();
 
  private:
@@ -125,6 +125,8 @@ class TTreeList : public TControl {
   void ShowLines();
   void ShowCurrent();
   void FitWidths();
+  int ShareOf(const TTreeColumn& column) const;
+  int Designed(int pixels) const;
   void Fit(TTreeColumn& column);
   void FitWantedColumns();
 
@@ -142,5 +144,6 @@ class TTreeList : public TControl {
   bool fBindWanted = false;
   UnicodeString fTyped;
   TFont fHeaderFont;
+  int fDepth = 0;           // of the rows in view
   TNativeTreeList fNative;  // the first to go: it reports to all that stands above
 };

@@ -228,13 +228,17 @@ bool TTreeListModel::Find(TextView prefix, std::size_t from, const TText& text) 
   return false;
 }
 
-std::vector<UnicodeString> TTreeListModel::LongestByLevel(const TText& text) const {
-  std::vector<UnicodeString> longest;
+UnicodeString TTreeListModel::LongestText(const TText& text) const {
+  UnicodeString longest;
   for (const std::uint32_t node : fLines) {
-    if (longest.size() <= fNodes[node].Level) longest.resize(fNodes[node].Level + 1);
     UnicodeString candidate = text(Record(node));
-    UnicodeString& best = longest[fNodes[node].Level];
-    if (candidate.size() > best.size()) best = std::move(candidate);
+    if (candidate.size() > longest.size()) longest = std::move(candidate);
   }
   return longest;
+}
+
+int TTreeListModel::Depth() const noexcept {
+  std::uint32_t depth = 0;
+  for (const std::uint32_t node : fLines) depth = std::max<std::uint32_t>(depth, fNodes[node].Level);
+  return static_cast<int>(depth);
 }

@@ -69,8 +69,9 @@ class TTreeListModel {
   /// Makes the next row current whose text begins with `prefix`, by the user's locale and without case; looks
   /// at `from` first and goes round. False when there is none.
   bool Find(TextView prefix, std::size_t from, const TText& text);
-  /// The longest text of each level among the rows that can be seen.
-  std::vector<UnicodeString> LongestByLevel(const TText& text) const;
+  /// Of the rows that can be seen: the longest text, and the deepest level.
+  UnicodeString LongestText(const TText& text) const;
+  int Depth() const noexcept;
 
  private:
   struct TNode {

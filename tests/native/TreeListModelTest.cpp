@@ -172,7 +172,8 @@ TEST_F(TreeListModelTest, MeasuresOnlyWhatCanBeSeen) {
     asked.push_back(record);
     return UnicodeString(record == 1 ? 9 : record, u'x');
   };
-  EXPECT_EQ(fModel.LongestByLevel(text), (std::vector<UnicodeString>{u"xxxxxx", u"xxxxxxxxx"}));
+  EXPECT_EQ(fModel.LongestText(text), u"xxxxxxxxx");
+  EXPECT_EQ(fModel.Depth(), 1);
   EXPECT_EQ(asked, (std::vector<std::size_t>{0, 1, 4, 6}));
 }
 

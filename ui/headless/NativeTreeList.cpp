@@ -113,13 +113,16 @@ std::size_t TNativeTreeList::PageSize() const {
   return fImpl->PageSize();
 }
 
-int TNativeTreeList::NeededWidth(TextView text, bool inTree, int level) const {
-  const int tree = inTree ? (level + 2) * kLevelWidth : 0;
-  return fImpl->Scaled(tree + kCharacterWidth * (static_cast<int>(text.size()) + 2));
+int TNativeTreeList::NeededWidth(TextView text) const {
+  return fImpl->Scaled(kCharacterWidth * (static_cast<int>(text.size()) + 2));
+}
+
+int TNativeTreeList::TreeWidth(int level) const {
+  return fImpl->Scaled((level + 2) * kLevelWidth);
 }
 
 int TNativeTreeList::NeededHeaderWidth(TextView caption) const {
-  return NeededWidth(caption, false, 0);
+  return NeededWidth(caption);
 }
 
 namespace headless {

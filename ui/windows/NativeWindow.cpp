@@ -146,12 +146,7 @@ void TNativeWindow::SetText(TextView text) {
 }
 
 void TNativeWindow::SetFont(const TFont& font, int dpi) {
-  LOGFONTW description{};
-  description.lfHeight = -ScaledToDpi(font.CharHeight, dpi);  // negative: without the leading
-  description.lfWeight = font.Bold ? FW_BOLD : FW_NORMAL;
-  description.lfCharSet = DEFAULT_CHARSET;
-  CopyText(description.lfFaceName, font.Name);
-  fImpl->Font.Reset(::CreateFontIndirectW(&description));
+  fImpl->Font = MakeFont(font, dpi);
   fImpl->Bevel = std::max(1, ScaledToDpi(1, dpi));
   ::InvalidateRect(fImpl->Window.Get(), nullptr, FALSE);
 }

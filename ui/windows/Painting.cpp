@@ -17,6 +17,15 @@ void PaintFrame(HDC dc, RECT& area, int width, int topLeft, int bottomRight) {
 
 }  // namespace
 
+TFontHandle MakeFont(const TFont& font, int dpi) {
+  LOGFONTW description{};
+  description.lfHeight = -ScaledToDpi(font.CharHeight, dpi);  // negative: without the leading
+  description.lfWeight = font.Bold ? FW_BOLD : FW_NORMAL;
+  description.lfCharSet = DEFAULT_CHARSET;
+  CopyText(description.lfFaceName, font.Name);
+  return TFontHandle(::CreateFontIndirectW(&description));
+}
+
 void PaintPanel(HDC dc, const RECT& area, int bevel) noexcept {
   RECT rest = area;
   PaintFrame(dc, rest, bevel, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT);

@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include "platform/Handle.h"
+#include "platform/windows/Wide.h"
+#include "ui/NativeWindow.h"
 
 struct TFontTraits {
   using THandle = HFONT;
@@ -10,6 +12,9 @@ struct TFontTraits {
   static void Close(THandle handle) noexcept { ::DeleteObject(handle); }
 };
 using TFontHandle = TUniqueHandle<TFontTraits>;
+
+/// The system's font for `font` on a monitor with `dpi`.
+TFontHandle MakeFont(const TFont& font, int dpi);
 
 /// The drawing surface of a WM_PAINT, for as long as it is handled.
 class TPaintScope {
@@ -38,6 +43,31 @@ class TSavedDc {
   HDC fDc;
   int fSaved;
 };
+
+/// The screen, to measure with.
+class TScreenDc {
+ public:
+  TScreenDc() : fDc(::GetDC(nullptr)), fSaved(::SaveDC(fDc)) {}
+  ~TScreenDc() {
+    ::RestoreDC(fDc, fSaved);
+    ::ReleaseDC(nullptr, fDc);
+  }
+  TScreenDc(const TScreenDc&) = delete;
+  TScreenDc& operator=(const TScreenDc&) = delete;
+
+  HDC Dc() const noexcept { return fDc; }
+
+ private:
+  HDC fDc;
+  int fSaved;
+};
+
+/// How wide `text` is in the surface's font.
+inline int TextExtent(HDC dc, TextView text) noexcept {
+  SIZE size{};
+  ::GetTextExtentPoint32W(dc, Wide(text.data()), static_cast<int>(text.size()), &size);
+  return size.cx;
+}
 
 /// The face of a panel: a lowered outer and a raised inner bevel, each `bevel` pixels wide, in the user's
 /// colours.
