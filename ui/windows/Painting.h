@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "platform/Handle.h"
+#include "platform/windows/Wide.h"
 #include "ui/NativeWindow.h"
 
 struct TFontTraits {
@@ -53,6 +54,31 @@ class TSavedDc {
   HDC fDc;
   int fSaved;
 };
+
+/// The screen, to measure with.
+class TScreenDc {
+ public:
+  TScreenDc() : fDc(::GetDC(nullptr)), fSaved(::SaveDC(fDc)) {}
+  ~TScreenDc() {
+    ::RestoreDC(fDc, fSaved);
+    ::ReleaseDC(nullptr, fDc);
+  }
+  TScreenDc(const TScreenDc&) = delete;
+  TScreenDc& operator=(const TScreenDc&) = delete;
+
+  HDC Dc() const noexcept { return fDc; }
+
+ private:
+  HDC fDc;
+  int fSaved;
+};
+
+/// How wide `text` is in the surface's font.
+inline int TextExtent(HDC dc, TextView text) noexcept {
+  SIZE size{};
+  ::GetTextExtentPoint32W(dc, Wide(text.data()), static_cast<int>(text.size()), &size);
+  return size.cx;
+}
 
 /// The face of a panel: a lowered outer and a raised inner bevel, each `bevel` pixels wide, in the user's
 /// colours.

@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include "ui/ColumnLayout.h"
+#include "ui/TreeListModel.h"
+
+namespace {
+
+using enum TTreeKey;
+constexpr std::int64_t kRoot = -1;
+
+/// The whole tree in one line: keys in tree order, children in brackets.
+std::string Shape(const std::vector<TTreeRow>& rows) {
+  TTreeListModel model;
+  model.Attach(rows, kRoot);
+  std::string shape;
+  int level = 0;
+  for (std::size_t node = 0; node < model.NodeCount(); ++node) {
+    const int deeper = model.Level(node) - level;
+    shape += deeper > 0 ? std::string("(") : std::string(static_cast<std::size_t>(-deeper), ')');
+    if (node > 0 && deeper <= 0) shape += ' ';
+    shape += std::to_string(rows[model.Record(node)].Key);
+    level = model.Level(node);
+  }
+  return shape + std::string(static_cast<std::size_t>(level), ')');
+}
+
+/// Records 0 (1 (2 3) 4 (5)) 6: what can be seen in one line, open branches with "-", closed ones with "+",
+/// the current row behind ">".
+class TreeListModelTest : public testing::Test {
+ protected:
+  TreeListModelTest() {
+    fModel.Attach(std::vector<TTreeRow>{{1, -1}, {2, 1}, {3, 2}, {4, 2}, {5, 1}, {6, 5}, {7, -1}}, kRoot);
+  }
+
+  std::string Seen() const {
+    std::string seen;
+    for (std::size_t line = 0; line < fModel.LineCount(); ++line) {
+      const std::size_t node = fModel.NodeAt(line);
+      if (!seen.empty()) seen += ' ';
+      if (fModel.CurrentLine() == line) seen += '>';
+      if (fModel.HasChildren(node)) seen += fModel.IsOpen(node) ? '-' : '+';
+      seen += std::to_string(node);
+    }
+    return seen;
+  }
+
+  bool Find(TextView prefix, std::size_t from) {
+    const std::vector<UnicodeString> names = {u"Rad",    u"Ölfilter", u"Achse", u"Ölwanne",
+                                              u"Rahmen", u"Öse",      u""};
+    return fModel.Find(prefix, from, [&names](std::size_t record) { return names[record]; });
+  }
+
+  TTreeListModel fModel;
+};
+
+}  // namespace
+
+TEST(TreeListAttachment, HangsRowsUnderTheirParents) {
+  const struct {
+    const char* What;
+    std::vector<TTreeRow> Rows;
+    std::string Shape;
+  } cases[] = {
+      {"no rows", {}, ""},
+      {"record order among children", {{1, -1}, {3, 1}, {2, 1}, {4, 3}, {5, -1}}, "1(3(4) 2) 5"},
+      {"children before their parents", {{3, 2}, {2, 1}, {1, -1}}, "1(2(3))"},
+      {"a parent that is no key", {{1, -1}, {2, 0}, {3, 2}}, "1 2(3)"},
+      {"the root value is a key as well", {{-1, 7}, {1, -1}}, "-1 1"},
+      {"equal keys: the first counts", {{1, -1}, {1, -1}, {2, 1}}, "1(2) 1"},
+      {"an equal key under the first", {{1, -1}, {1, 1}, {2, 1}}, "1(1 2)"},
+      {"its own parent", {{1, 1}, {2, 1}}, "1(2)"},
+      {"a ring, cut at its first record", {{5, -1}, {3, 4}, {2, 3}, {4, 2}, {9, 4}}, "5 3(2(4(9)))"},
+      {"a row before the ring it hangs on", {{9, 3}, {4, 3}, {3, 4}}, "4(3(9))"},
+      {"two rings", {{1, 2}, {2, 1}, {3, 4}, {4, 3}}, "1(2) 3(4)"},
+      {"keys at the ends of their range",
+       {{INT64_MIN, INT64_MAX}, {INT64_MAX, kRoot}},
+       "9223372036854775807(-9223372036854775808)"},
+  };
+  for (const auto& test : cases) EXPECT_EQ(Shape(test.Rows), test.Shape) << test.What;
+}
+
+TEST(TreeListAttachment, TakesAChainAsDeepAsItIs) {
+  std::vector<TTreeRow> rows;
+  for (std::int64_t i = 0; i < 20'000; ++i) rows.push_back({i, i - 1});
+  TTreeListModel model;
+  model.Attach(rows, kRoot);
+  model.OpenAll();
+  ASSERT_EQ(model.LineCount(), rows.size());
+  EXPECT_EQ(model.Level(model.NodeAt(rows.size() - 1)), 19'999);
+}
+
+TEST_F(TreeListModelTest, AnswersKeys) {
+  EXPECT_EQ(Seen(), ">-0 +1 +4 6");
+  const struct {
+    TTreeKey Key;
+    std::string Seen;
+  } steps[] = {
+      {Up, ">-0 +1 +4 6"},
+      {Right, "-0 >+1 +4 6"},
+      {Right, "-0 >-1 2 3 +4 6"},
+      {Right, "-0 -1 >2 3 +4 6"},
+      {Right, "-0 -1 >2 3 +4 6"},
+      {Open, "-0 -1 >2 3 +4 6"},
+      {Down, "-0 -1 2 >3 +4 6"},
+      {Left, "-0 >-1 2 3 +4 6"},
+      {Left, "-0 >+1 +4 6"},
+      {Left, ">-0 +1 +4 6"},
+      {OpenBranch, ">-0 -1 2 3 -4 5 6"},
+      {PageDown, "-0 -1 2 >3 -4 5 6"},
+      {PageDown, "-0 -1 2 3 -4 5 >6"},
+      {PageDown, "-0 -1 2 3 -4 5 >6"},
+      {Left, "-0 -1 2 3 -4 5 >6"},
+      {PageUp, "-0 -1 2 >3 -4 5 6"},
+      {Home, ">-0 -1 2 3 -4 5 6"},
+      {Close, ">+0 6"},
+      {Close, ">+0 6"},
+      {End, "+0 >6"},
+      {Home, ">+0 6"},
+      {Open, ">-0 -1 2 3 -4 5 6"},
+  };
+  for (std::size_t i = 0; i < std::size(steps); ++i) {
+    fModel.Press(steps[i].Key, 3);
+    EXPECT_EQ(Seen(), steps[i].Seen) << "step " << i;
+  }
+  fModel.Clear();
+  for (const TTreeKey key : {Up, Down, Left, Right, Home, End, PageUp, PageDown, Open, Close, OpenBranch}) {
+    fModel.Press(key, 3);
+  }
+  EXPECT_EQ(fModel.Current(), TTreeListModel::kNone);
+}
+
+TEST_F(TreeListModelTest, KeepsACurrentRowThatCanBeSeen) {
+  fModel.MakeCurrent(3);
+  EXPECT_EQ(Seen(), "-0 -1 2 >3 +4 6");
+  fModel.OpenAll();
+  EXPECT_EQ(Seen(), "-0 -1 2 >3 -4 5 6");
+  fModel.Toggle(4);
+  EXPECT_EQ(Seen(), "-0 -1 2 >3 +4 6") << "another branch";
+  fModel.Close(1);
+  EXPECT_EQ(Seen(), "-0 >+1 +4 6") << "its own branch";
+  fModel.MakeCurrent(5);
+  fModel.CloseAll();
+  EXPECT_EQ(Seen(), ">+0 6");
+  fModel.Open(0);
+  EXPECT_EQ(Seen(), ">-0 +1 +4 6") << "the deeper ones stay closed";
+}
+
+TEST_F(TreeListModelTest, FindsTypedLetters) {
+  const struct {
+    TextView Prefix;
+    std::size_t From;
+    bool Found;
+    std::string Seen;
+  } steps[] = {
+      {u"r", 1, true, "-0 +1 >+4 6"},      {u"ÖLW", 0, true, "-0 -1 2 >3 +4 6"},
+      {u"öl", 4, true, "-0 >-1 2 3 +4 6"}, {u"öls", 0, false, "-0 >-1 2 3 +4 6"},
+      {u"ra", 7, true, ">-0 -1 2 3 +4 6"},
+  };
+  for (const auto& step : steps) {
+    EXPECT_EQ(Find(step.Prefix, step.From), step.Found) << Utf8FromText(step.Prefix);
+    EXPECT_EQ(Seen(), step.Seen) << Utf8FromText(step.Prefix);
+  }
+}
+
+TEST_F(TreeListModelTest, MeasuresOnlyWhatCanBeSeen) {
+  std::vector<std::size_t> asked;
+  const auto text = [&asked](std::size_t record) {
+    asked.push_back(record);
+    return UnicodeString(record == 1 ? 9 : record, u'x');
+  };
+  EXPECT_EQ(fModel.LongestText(text), u"xxxxxxxxx");
+  EXPECT_EQ(fModel.Depth(), 1);
+  EXPECT_EQ(asked, (std::vector<std::size_t>{0, 1, 4, 6}));
+}
+
+TEST(ColumnLayout, FillsTheWidth) {
+  const struct {
+    std::vector<int> Shares;
+    int Available;
+    std::vector<int> Widths;
+  } cases[] = {
+      {{}, 100, {}},
+      {{54, 454, 380}, 888, {54, 454, 380}},
+      {{1, 1, 1}, 100, {33, 34, 33}},
+      {{1, 2}, 900, {300, 600}},
+      {{0, 0}, 10, {5, 5}},
+      {{50, 50}, -3, {0, 0}},
+      {{1'000'000, 2'000'000}, 30'000, {10'000, 20'000}},
+  };
+  for (const auto& test : cases) EXPECT_EQ(DivideWidth(test.Shares, test.Available), test.Widths);
+}

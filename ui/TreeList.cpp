@@ -1,0 +1,353 @@
+#include "ui/TreeList.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ui/Application.h"
+#include "ui/ColumnLayout.h"
+
+/// Puts the query's cursor back to where it stood, also behind the last row.
+struct TTreeList::TCursorKeeper {
+  explicit TCursorKeeper(TQuery& query) : Query(query), AtEnd(query.Eof()), Row(AtEnd ? 0 : query.Row()) {}
+  TCursorKeeper(const TCursorKeeper&) = delete;
+  TCursorKeeper& operator=(const TCursorKeeper&) = delete;
+  ~TCursorKeeper() {
+    Application->Guard([this] {
+      if (!Query.Active() || Query.RowCount() == 0) return;
+      Query.GoTo(AtEnd ? Query.RowCount() - 1 : Row);
+      if (AtEnd) Query.Next();
+    });
+  }
+
+  TQuery& Query;
+  bool AtEnd;
+  std::size_t Row;
+};
+
+void TTreeColumn::SetVisible(bool visible) {
+  fDesign.Visible = visible;
+  fList.ShowColumns();
+}
+
+void TTreeColumn::ApplyBestFit() {
+  fFitWanted = true;
+  if (!fList.Updating()) fList.FitWantedColumns();
+}
+
+/// The answer is entered before it is asked for: a handler that fails is not called again and again.
+const TDrawWarning& TTreeColumn::WarningFor(const UnicodeString& value) {
+  const auto [entry, isNew] = fWarnings.try_emplace(value);
+  if (isNew && OnValidateDrawValue) {
+    Application->Guard([this, &entry = *entry] { OnValidateDrawValue(entry.first, entry.second); });
+  }
+  return entry->second;
+}
+
+TTreeList::TTreeList(TForm& form) : TControl(TWindowKind::TreeList, form), fNative(Window(), Events()) {
+  TTreeList::Arranged();
+  ShowCurrent();
+}
+
+TTreeList::TTreeList(TControl& parent)
+    : TControl(TWindowKind::TreeList, parent), fNative(Window(), Events()) {
+  TTreeList::Arranged();
+  ShowCurrent();
+}
+
+TTreeList::~TTreeList() {
+  if (fQuery != nullptr) fQuery->OnChange = nullptr;
+}
+
+TTreeListEvents TTreeList::Events() {
+  return {
+      .Line = [this](std::size_t line) { return LineAt(line); },
+      .Cell = [this](std::size_t line, std::size_t column) { return CellAt(line, column); },
+      .OnKey = [this](TTreeKey key) { KeyPressed(key); },
+      .OnLetter = [this](char16_t letter, bool continued) { LetterTyped(letter, continued); },
+      .OnMouse = [this](TTreeListMouse action, std::size_t line) { MouseUsed(action, line); },
+      .OnHeaderClick =
+          [this](std::size_t column) {
+            if (OnColumnHeaderClick) OnColumnHeaderClick(*fVisible.at(column));
+          },
+      .OnWidthChanged = [this] { FitWidths(); },
+  };
+}
+
+// --- columns
+// --------------------------------------------------------------------------------------------------
+
+TTreeColumn& TTreeList::AddColumn(TTreeColumnDesign design) {
+  fColumns.push_back(std::make_unique<TTreeColumn>(*this, std::move(design)));
+  ShowColumns();
+  return *fColumns.back();
+}
+
+void TTreeList::SetHeaderFont(const TFont& font) {
+  fHeaderFont = font;
+  Arranged();
+}
+
+void TTreeList::Arranged() {
+  fNative.SetScale(Font(), fHeaderFont, Dpi());
+  FitWidths();
+}
+
+std::vector<const TTreeColumn*> TTreeList::VisibleColumns() const {
+  return {fVisible.begin(), fVisible.end()};
+}
+
+void TTreeList::ShowColumns() {
+  fVisible.clear();
+  std::vector<TTreeListHeader> headers;
+  for (const auto& column : fColumns) {
+    if (!column->Visible()) continue;
+    fVisible.push_back(column.get());
+    headers.push_back({column->Caption(), column->Alignment(), column->CheckBox()});
+  }
+  fNative.SetColumns(headers);
+  FitWidths();
+}
+
+void TTreeList::FitWidths() {
+  if (Updating()) return;
+  std::vector<int> shares;
+  for (const TTreeColumn* column : fVisible) shares.push_back(ShareOf(*column));
+  fNative.SetColumnWidths(DivideWidth(shares, fNative.ColumnSpace()));
+}
+
+/// The tree's column grows with the branches that are opened, but leaves half of the width to the others.
+int TTreeList::ShareOf(const TTreeColumn& column) const {
+  if (column.fFittedWidth == 0) return column.fDesign.Width;
+  if (&column != fVisible.front()) return column.fFittedWidth;
+  int designed = 0;
+  for (const TTreeColumn* each : fVisible) designed += each->fDesign.Width;
+  const int level = std::min(fDepth, designed);  // deeper than there are pixels
+  return std::min(column.fFittedWidth + Designed(fNative.TreeWidth(level)), std::max(designed / 2, 1));
+}
+
+int TTreeList::Designed(int pixels) const {
+  return (pixels * kDesignDpi + Dpi() - 1) / Dpi();
+}
+
+void TTreeList::FitWantedColumns() {
+  for (TTreeColumn* column : fVisible) {
+    if (std::exchange(column->fFitWanted, false)) Fit(*column);
+  }
+  FitWidths();
+}
+
+/// One walk over the rows in view, and one measurement.
+void TTreeList::Fit(TTreeColumn& column) {
+  if (fModel.LineCount() == 0) return;
+  const TCursorKeeper keeper(*fQuery);
+  const TField field = fQuery->Field(column.FieldName());
+  const UnicodeString longest = fModel.LongestText([this, &field](std::size_t record) {
+    fQuery->GoTo(record);
+    return field.AsText();
+  });
+  const int caption = fNative.NeededHeaderWidth(column.Caption());
+  column.fFittedWidth = Designed(std::max(caption, fNative.NeededWidth(longest)));
+}
+
+// --- binding
+// --------------------------------------------------------------------------------------------------
+
+void TTreeList::SetDataSource(TQuery* query) {
+  if (fQuery != nullptr) {
+    LetGo();
+    fQuery->OnChange = nullptr;
+  }
+  fQuery = query;
+  if (fQuery == nullptr) return;
+  fQuery->OnChange = [this](TQueryChange change) { QueryChanged(change); };
+  if (fQuery->Active()) QueryChanged(TQueryChange::Opened);
+}
+
+void TTreeList::QueryChanged(TQueryChange change) {
+  if (change == TQueryChange::Closing) return LetGo();
+  fBindWanted = Updating();
+  // The cursor stands on a new row, and stays there.
+  if (!Updating()) Bind(change == TQueryChange::Inserted ? fQuery->Row() : TTreeListModel::kNone);
+}
+
+void TTreeList::Bind(std::size_t currentRecord) {
+  try {
+    fModel.Clear();
+    const TField key = fQuery->Field(KeyField);
+    const TField parent = fQuery->Field(ParentField);
+    std::vector<TTreeRow> rows;
+    rows.reserve(fQuery->RowCount());
+    for (fQuery->First(); !fQuery->Eof(); fQuery->Next()) {
+      const int image = ImageField.empty() ? -1 : static_cast<int>(fQuery->Field(ImageField).AsInteger());
+      rows.push_back({key.AsInteger(), parent.AsInteger(), image});
+    }
+    fModel.Attach(rows, RootValue);
+    const std::size_t node = fModel.NodeOf(currentRecord);
+    if (node != TTreeListModel::kNone) fModel.MakeCurrent(node);
+    MoveCursor();
+  } catch (...) {
+    LetGo();
+    throw;
+  }
+  ShowLines();
+  ShowCurrent();
+}
+
+void TTreeList::LetGo() noexcept {
+  fModel.Clear();
+  fBindWanted = false;
+  Application->Guard([this] {
+    ShowLines();
+    ShowCurrent();
+  });
+}
+
+void TTreeList::MoveCursor() {
+  if (fModel.Current() != TTreeListModel::kNone) fQuery->GoTo(fModel.Record(fModel.Current()));
+}
+
+void TTreeList::BeginUpdate() {
+  if (fUpdates++ == 0) fNative.SetFrozen(true);
+}
+
+void TTreeList::EndUpdate() noexcept {
+  if (fUpdates == 0 || --fUpdates > 0) return;
+  Application->Guard([this] {
+    if (std::exchange(fBindWanted, false)) {
+      Bind(TTreeListModel::kNone);
+    } else {
+      MoveCursor();
+      ShowLines();
+      ShowCurrent();
+    }
+    FitWantedColumns();
+  });
+  Application->Guard([this] { fNative.SetFrozen(false); });
+}
+
+// --- what the user sees and does
+// ------------------------------------------------------------------------------
+
+void TTreeList::ShowLines() {
+  fNative.SetLines(fModel.LineCount(), fModel.CurrentLine());
+  if (std::exchange(fDepth, fModel.Depth()) != fModel.Depth()) FitWidths();
+}
+
+void TTreeList::ShowCurrent() {
+  const std::size_t current = fModel.Current();
+  std::size_t position = 0;
+  if (current != TTreeListModel::kNone) {
+    fNative.SetCurrent(fModel.CurrentLine());
+    position = fModel.Record(current) + 1;
+  }
+  fNative.SetInfo(DecimalText(static_cast<std::int64_t>(position)) + u" von " +
+                  DecimalText(static_cast<std::int64_t>(fModel.NodeCount())));
+}
+
+/// Changes the model and shows what has become different; `reveal` also brings the current row into view
+/// where it stayed the same.
+template <class TChange>
+void TTreeList::Perform(bool reveal, TChange&& change) {
+  const std::size_t current = fModel.Current();
+  const std::size_t lines = fModel.LineCount();
+  change();
+  const bool moved = fModel.Current() != current;
+  if (moved) MoveCursor();
+  if (Updating()) return;
+  if (fModel.LineCount() != lines) ShowLines();
+  if (moved || reveal) ShowCurrent();
+}
+
+void TTreeList::FullExpand() {
+  Perform(true, [this] { fModel.OpenAll(); });
+}
+
+void TTreeList::FullCollapse() {
+  Perform(true, [this] { fModel.CloseAll(); });
+}
+
+void TTreeList::KeyPressed(TTreeKey key) {
+  if (Updating()) return;
+  Perform(true, [this, key] { fModel.Press(key, fNative.PageSize()); });
+}
+
+/// The same letter again looks for the next row that begins with it.
+void TTreeList::LetterTyped(char16_t letter, bool continued) {
+  if (Updating() || fModel.NodeCount() == 0) return;
+  if (!continued) {
+    if (letter == u'+') return KeyPressed(TTreeKey::Open);
+    if (letter == u'-') return KeyPressed(TTreeKey::Close);
+    if (letter == u'*') return KeyPressed(TTreeKey::OpenBranch);
+    fTyped.clear();
+  }
+  if (fTyped != TextView(&letter, 1)) fTyped += letter;
+  const std::size_t from = fModel.Current() + (fTyped.size() == 1 ? 1 : 0);
+  Perform(true, [this, from] {
+    const TCursorKeeper keeper(*fQuery);
+    const TField field = fQuery->Field(SearchField.empty() ? fVisible.at(0)->FieldName() : SearchField);
+    fModel.Find(fTyped, from, [this, &field](std::size_t record) {
+      fQuery->GoTo(record);
+      return field.AsText();
+    });
+  });
+}
+
+void TTreeList::MouseUsed(TTreeListMouse action, std::size_t line) {
+  if (Updating() || line >= fModel.LineCount()) return;
+  const std::size_t node = fModel.NodeAt(line);
+  if (action == TTreeListMouse::Select) {
+    Perform(true, [this, node] { fModel.MakeCurrent(node); });
+    return;
+  }
+  Perform(false, [this, node] { fModel.Toggle(node); });
+  if (action == TTreeListMouse::DoubleClick && OnDblClick) OnDblClick();
+}
+
+// --- drawing
+// --------------------------------------------------------------------------------------------------
+
+TTreeListLine TTreeList::LineAt(std::size_t line) const {
+  if (Updating() || line >= fModel.LineCount()) return {};
+  const std::size_t node = fModel.NodeAt(line);
+  TTreeListLine answer{
+      fModel.Level(node), fModel.Image(node), fModel.HasChildren(node), fModel.IsOpen(node), {}};
+  for (std::size_t i = node; i != TTreeListModel::kNone; i = fModel.Parent(i)) {
+    answer.Continues.push_back(fModel.HasNextSibling(i));
+  }
+  std::reverse(answer.Continues.begin(), answer.Continues.end());
+  return answer;
+}
+
+/// A row that cannot be read any more would fail again with each drawing: the list lets go of all of them.
+TTreeListCell TTreeList::CellAt(std::size_t line, std::size_t column) {
+  if (Updating() || line >= fModel.LineCount() || column >= fVisible.size()) return {};
+  TTreeColumn& owner = *fVisible[column];
+  TTreeListCell cell;
+  try {
+    const TCursorKeeper keeper(*fQuery);
+    fQuery->GoTo(fModel.Record(fModel.NodeAt(line)));
+    const TField field = fQuery->Field(owner.FieldName());
+    if (owner.CheckBox()) cell.Checked = field.AsBoolean();
+    cell.Text = field.AsText();
+  } catch (...) {
+    LetGo();
+    throw;
+  }
+  const TDrawWarning& warning = owner.WarningFor(cell.Text);
+  cell.HasWarning = warning.Shown;
+  if (warning.Shown) cell.Warning = warning.Text;
+  return cell;
+}
+
+void TTreeList::ForEachRow(const std::function<void(const TTreeListRow&)>& visit) const {
+  if (fModel.NodeCount() == 0) return;
+  const TCursorKeeper keeper(*fQuery);
+  std::vector<TField> fields;
+  for (const TTreeColumn* column : fVisible) fields.push_back(fQuery->Field(column->FieldName()));
+  for (std::size_t node = 0; node < fModel.NodeCount(); ++node) {
+    fQuery->GoTo(fModel.Record(node));
+    TTreeListRow row{fModel.Level(node), fModel.Image(node), {}};
+    for (const TField& field : fields) row.Texts.push_back(field.AsText());
+    visit(row);
+  }
+}

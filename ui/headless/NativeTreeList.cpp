@@ -1,0 +1,178 @@
+#include "ui/NativeTreeList.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "platform/headless/Machine.h"
+#include "ui/Application.h"
+#include "ui/headless/TreeListScreen.h"
+
+namespace {
+
+constexpr int kCharacterWidth = 6;
+constexpr int kLineHeight = 20;
+constexpr int kIndicatorWidth = 15;
+constexpr int kLevelWidth = 16;
+
+struct TList {
+  const headless::TDesktopWindow& Host;
+  TTreeListEvents Events;
+  int Dpi = kDesignDpi;
+  std::vector<TTreeListHeader> Columns{};
+  std::vector<int> Widths{};
+  std::size_t LineCount = 0;
+  std::size_t Current = TTreeListModel::kNone;
+  std::size_t Top = 0;
+  UnicodeString Info{};
+  bool Frozen = false;
+
+  static std::vector<TList*>& Living() {
+    static std::vector<TList*> living;
+    return living;
+  }
+  /// Throws std::out_of_range where there is no list.
+  static TList& Shown() { return *Living().at(Living().size() - 1); }
+
+  int Scaled(int designed) const { return ScaledToDpi(designed, Dpi); }
+  /// Header and button bar take one line each.
+  std::size_t PageSize() const {
+    return static_cast<std::size_t>(std::max(Host.Bounds.Height() / Scaled(kLineHeight) - 2, 1));
+  }
+  std::string Drawn(std::size_t line) const;
+};
+
+std::string TList::Drawn(std::size_t line) const {
+  const TTreeListLine shape = Events.Line(line);
+  std::string text = line == Current ? "> " : "  ";
+  text.append(2 * static_cast<std::size_t>(shape.Level), ' ');
+  text += !shape.HasChildren ? "    " : shape.Open ? "[-] " : "[+] ";
+  text += std::to_string(shape.Image);
+  for (std::size_t column = 0; column < Columns.size(); ++column) {
+    const TTreeListCell cell = Events.Cell(line, column);
+    const std::string mark = cell.Checked ? "x" : "-";
+    text += " | ";
+    if (cell.HasWarning) text += "(" + Utf8FromText(cell.Warning) + ") ";
+    text += Columns[column].CheckBox ? mark : Utf8FromText(cell.Text);
+  }
+  return text;
+}
+
+}  // namespace
+
+struct TNativeTreeList::TImpl : TList {};
+
+TNativeTreeList::TNativeTreeList(TNativeWindow& host, TTreeListEvents events)
+    : fImpl(new TImpl{{*reinterpret_cast<headless::TDesktopWindow*>(host.Handle()), std::move(events)}}) {
+  TList::Living().push_back(fImpl.get());
+}
+
+TNativeTreeList::~TNativeTreeList() {
+  std::erase(TList::Living(), fImpl.get());
+}
+
+void TNativeTreeList::SetScale(const TFont&, const TFont&, int dpi) {
+  fImpl->Dpi = dpi;
+}
+
+void TNativeTreeList::SetNodeImage(int, TNodeIcon) {}
+
+void TNativeTreeList::SetColumns(std::span<const TTreeListHeader> columns) {
+  fImpl->Columns.assign(columns.begin(), columns.end());
+}
+
+void TNativeTreeList::SetColumnWidths(std::span<const int> widths) {
+  fImpl->Widths.assign(widths.begin(), widths.end());
+}
+
+void TNativeTreeList::SetLines(std::size_t count, std::size_t current) {
+  fImpl->LineCount = count;
+  fImpl->Current = current;
+  fImpl->Top = std::min(fImpl->Top, count - std::min(count, fImpl->PageSize()));
+}
+
+void TNativeTreeList::SetCurrent(std::size_t line) {
+  fImpl->Current = line;
+  fImpl->Top = std::min(fImpl->Top, line);
+  if (line >= fImpl->Top + fImpl->PageSize()) fImpl->Top = line + 1 - fImpl->PageSize();
+}
+
+void TNativeTreeList::SetInfo(TextView text) {
+  fImpl->Info = text;
+}
+
+void TNativeTreeList::SetFrozen(bool frozen) {
+  fImpl->Frozen = frozen;
+}
+
+int TNativeTreeList::ColumnSpace() const {
+  return std::max(fImpl->Host.Bounds.Width() - fImpl->Scaled(kIndicatorWidth), 0);
+}
+
+std::size_t TNativeTreeList::PageSize() const {
+  return fImpl->PageSize();
+}
+
+int TNativeTreeList::NeededWidth(TextView text) const {
+  return fImpl->Scaled(kCharacterWidth * (static_cast<int>(text.size()) + 2));
+}
+
+int TNativeTreeList::TreeWidth(int level) const {
+  return fImpl->Scaled((level + 2) * kLevelWidth);
+}
+
+int TNativeTreeList::NeededHeaderWidth(TextView caption) const {
+  return NeededWidth(caption);
+}
+
+namespace headless {
+
+std::vector<std::string> TTreeListScreen::Lines() {
+  const TList& list = TList::Shown();
+  std::vector<std::string> lines;
+  if (list.Frozen) return lines;
+  for (std::size_t line = list.Top; line < std::min(list.LineCount, list.Top + list.PageSize()); ++line) {
+    Application->Guard([&] { lines.push_back(list.Drawn(line)); });
+  }
+  return lines;
+}
+
+std::string TTreeListScreen::Headers() {
+  std::string headers;
+  for (const TTreeListHeader& column : TList::Shown().Columns) {
+    headers += (headers.empty() ? "" : " | ") + Utf8FromText(column.Caption);
+  }
+  return headers;
+}
+
+std::string TTreeListScreen::Info() {
+  return Utf8FromText(TList::Shown().Info);
+}
+
+std::vector<int> TTreeListScreen::ColumnWidths() {
+  return TList::Shown().Widths;
+}
+
+bool TTreeListScreen::Frozen() {
+  return TList::Shown().Frozen;
+}
+
+void TTreeListScreen::Press(TTreeKey key) {
+  Application->Guard([key] { TList::Shown().Events.OnKey(key); });
+}
+
+void TTreeListScreen::Type(TextView letters) {
+  Application->Guard([letters] {
+    for (std::size_t i = 0; i < letters.size(); ++i) TList::Shown().Events.OnLetter(letters[i], i > 0);
+  });
+}
+
+void TTreeListScreen::Mouse(TTreeListMouse action, std::size_t line) {
+  Application->Guard([action, line] { TList::Shown().Events.OnMouse(action, line); });
+}
+
+void TTreeListScreen::ClickHeader(std::size_t column) {
+  Application->Guard([column] { TList::Shown().Events.OnHeaderClick(column); });
+}
+
+}  // namespace headless

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ui/NativeTreeList.h"
+
+namespace headless {
+
+/// What a user sees of the tree list that was made last and still lives, and what he can do with it. Texts
+/// are UTF-8, lines count from the first one of the list.
+struct TTreeListScreen {
+  /// The lines in view, such as "> [-] 94 | 2 | Getriebe | C:\x.iam": an arrow before the current one, two
+  /// blanks for each level, "[+]" or "[-]" before a branch, the image, the cells. A warning stands in
+  /// brackets before its cell's text.
+  static std::vector<std::string> Lines();
+  static std::string Headers();  ///< such as "* | Bezeichnung"
+  static std::string Info();
+  static std::vector<int> ColumnWidths();
+  static bool Frozen();
+
+  static void Press(TTreeKey key);
+  /// Letters in quick succession.
+  static void Type(TextView letters);
+  static void Mouse(TTreeListMouse action, std::size_t line);
+  static void ClickHeader(std::size_t column);
+};
+
+}  // namespace headless
