@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "resources/Icons.h"
 #include "ui/Application.h"
 #include "ui/windows/Painting.h"
 #include "ui/windows/WindowClass.h"
@@ -13,7 +14,6 @@ namespace {
 
 constexpr TextView kPanelClass = u"TPanel";
 constexpr TextView kLabelClass = u"TLabel";
-constexpr WORD kProgramIcon = 1;  // in the resources
 
 struct TStyle {
   DWORD Style;
@@ -28,7 +28,7 @@ constexpr TStyle StyleOf(TWindowKind kind) {
 }
 
 HICON ProgramIcon() {
-  return ::LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(kProgramIcon));
+  return ::LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(ICON_PROGRAM));
 }
 
 }  // namespace
