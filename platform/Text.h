@@ -10,6 +10,8 @@ using TextView = std::u16string_view;
 
 /// Equal by the user's locale, without regard to letter case. For an exact comparison use `==`.
 bool SameText(TextView a, TextView b);
+/// Bytes that are equal for two texts exactly when SameText calls these the same: for looking up one of many.
+std::string SameTextKey(TextView text);
 
 /// `bytes` read through the machine's ANSI code page. Bytes without a character of their own become what the
 /// system makes of them; this never fails.

@@ -27,6 +27,8 @@ kArrows = {
 }
 # Single files: the dialog's sources read the run's settings through the main form.
 kExtraIncludes = [(re.compile(r"export/[^/]+\.cpp"), "app/MainDlg.h")]
+# The identifiers of the icons: for those who load them, and for those who name one.
+kResourceUsers = ("export/", "ui/windows/")
 
 kWindowsFolders = ("platform/windows/", "ui/windows/", "simulator/com/", "tests/e2e/")
 kHeadlessFolders = ("platform/headless/", "ui/headless/")
@@ -96,6 +98,8 @@ def JudgeProjectHeader(file, header, root):
     if header.startswith("simulator/com/") and not file.startswith(("simulator/com/",) + kMeasuringFolders):
         return "only the COM shell uses its headers"
     if target == folder or target in kArrows[folder]:
+        return None
+    if target == "resources" and file.startswith(kResourceUsers + kMeasuringFolders):
         return None
     if any(pattern.fullmatch(file) and header == extra for pattern, extra in kExtraIncludes):
         return None
@@ -190,6 +194,9 @@ kSamples = [
     ("ui/A.cpp", '#include "tests/support/T.h"', "ui/ must not use tests/"),
     ("export/Dialog.cpp", '#include "app/MainDlg.h"', None),
     ("export/Dialog.h", '#include "app/MainDlg.h"', "export/ must not use app/"),
+    ("ui/windows/A.cpp", '#include "resources/Icons.h"', None),
+    ("export/A.cpp", '#include "resources/Icons.h"', None),
+    ("ui/A.cpp", '#include "resources/Icons.h"', "ui/ must not use resources/"),
     ("app/A.cpp", '#include "MainDlg.h"', "no such file"),
     ("app/A.cpp", '#include "../inventor/I.h"', "no such file"),
     ("app/A.cpp", "#include MAIN_HEADER", "neither"),
@@ -236,7 +243,8 @@ kSamples = [
 
 def SelfTest():
     headers = ("app/MainDlg.h", "inventor/I.h", "ui/U.h", "simulator/S.h", "simulator/com/C.h", "platform/P.h",
-               "platform/windows/LastError.h", "platform/windows/Windowing.h", "platform/headless/H.h", "tests/support/T.h")
+               "platform/windows/LastError.h", "platform/windows/Windowing.h", "platform/headless/H.h", "tests/support/T.h",
+               "resources/Icons.h")
     failures = 0
     for file, line, wanted in kSamples:
         with tempfile.TemporaryDirectory() as folder:

@@ -1,17 +1,28 @@
 #!/usr/bin/env bash
-# Usage: make-icons.sh   draws resources/velmora.ico from resources/velmora.svg
+# Usage: make-icons.sh   draws each vector image in resources/ as an icon file beside it
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-echo "make-icons.sh: drawing resources/velmora.ico"
 "$root/scripts/packages.sh" icons
 
 drawings=$(mktemp -d "$root/resources/.icons.XXXXXX")
 trap 'rm -rf "$drawings"' EXIT
-images=()
-for size in 16 20 24 32 48 64 256; do
-    image=$drawings/$size.png
-    rsvg-convert --width $size --height $size --output "$image" "$root/resources/velmora.svg"
-    images+=("$image")
+
+# drawIcon NAME SIZE...
+drawIcon() {
+    local name=$1 size image images=()
+    shift
+    echo "make-icons.sh: drawing resources/$name.ico"
+    for size in "$@"; do
+        image=$drawings/$size.png
+        rsvg-convert --width "$size" --height "$size" --output "$image" "$root/resources/$name.svg"
+        images+=("$image")
+    done
+    # convert-im6: the name that stays ImageMagick's own where another program is called "convert".
+    convert-im6 "${images[@]}" -strip "$root/resources/$name.ico"
+}
+
+drawIcon velmora 16 20 24 32 48 64 256
+# Images in lists and on buttons: 16 pixels at 100 to 300 % of the usual size.
+for name in part assembly drawing warning expand-all collapse-all export; do
+    drawIcon $name 16 20 24 32 48
 done
-# convert-im6: the name that stays ImageMagick's own where another program is called "convert".
-convert-im6 "${images[@]}" -strip "$root/resources/velmora.ico"

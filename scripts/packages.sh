@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Usage: packages.sh NEED...   installs the Debian packages for native, bench, windows, wine, demo, format, lint, icons
+# Usage: packages.sh NEED...   installs the Debian packages for native, bench, windows, wine, demo, format, lint, icons, listing
 set -euo pipefail
 
 packagesFor() {
@@ -15,6 +15,7 @@ packagesFor() {
         format) echo clang-format ;;
         lint) echo clang-tidy ;;
         icons) echo librsvg2-bin imagemagick ;;
+        listing) echo chromium default-jre-headless python3 ;;
         *)
             echo "packages.sh: unknown need '$1'" >&2
             return 2

@@ -26,6 +26,12 @@ bool SameText(TextView a, TextView b) {
   return std::ranges::equal(a, b, {}, Folded, Folded);
 }
 
+std::string SameTextKey(TextView text) {
+  UnicodeString folded;
+  std::ranges::transform(text, std::back_inserter(folded), Folded);
+  return {reinterpret_cast<const char*>(folded.data()), folded.size() * sizeof(char16_t)};
+}
+
 UnicodeString TextFromAnsi(std::string_view bytes) {
   UnicodeString text;
   std::ranges::transform(bytes, std::back_inserter(text), [](char c) {

@@ -20,6 +20,7 @@ TEST(TextContract, ComparesWithoutRegardToCaseByTheLocale) {
   };
   for (const auto& test : cases) {
     EXPECT_EQ(SameText(test.A, test.B), test.Same) << Utf8FromText(test.A) << " / " << Utf8FromText(test.B);
+    EXPECT_EQ(SameTextKey(test.A) == SameTextKey(test.B), test.Same) << "keys of " << Utf8FromText(test.A);
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include "resources/Icons.h"
 #include "ui/windows/NativeWindowImpl.h"
 
 // Images and tool tips of the push buttons.
@@ -13,13 +14,13 @@ constexpr int kImageSize = 16;  // in pixels at kDesignDpi
 WORD IconOf(TButtonImage image) {
   switch (image) {
     case TButtonImage::ExpandAll:
-      return 97;
+      return ICON_EXPAND_ALL;
     case TButtonImage::CollapseAll:
-      return 98;
+      return ICON_COLLAPSE_ALL;
     case TButtonImage::Export:
       break;
   }
-  return 99;
+  return ICON_EXPORT;
 }
 
 }  // namespace

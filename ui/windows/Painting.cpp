@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "resources/Icons.h"
+#include "ui/windows/CommonControls.h"
 #include "ui/windows/WindowClass.h"
 
 namespace {
@@ -18,8 +20,6 @@ void PaintFrame(HDC dc, RECT& area, int width, int topLeft, int bottomRight) {
   FillSystem(dc, {area.right - width, area.top, area.right, area.bottom}, bottomRight);
   ::InflateRect(&area, -width, -width);
 }
-
-constexpr WORD kProgramIcon = 1;  // in the resources
 
 constexpr COLORREF kProgressGreen = RGB(6, 176, 37);
 
@@ -82,12 +82,13 @@ TFontHandle MakeFont(const TFont& font, int dpi) {
 }
 
 HICON ProgramIcon() noexcept {
-  return ::LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(kProgramIcon));
+  return ::LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(ICON_PROGRAM));
 }
 
-TIconHandle LoadProgramIcon(WORD id, int size) noexcept {
-  return TIconHandle(static_cast<HICON>(
-      ::LoadImageW(ProgramInstance(), MAKEINTRESOURCEW(id), IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
+TIconHandle LoadProgramIcon(WORD id, int size) {
+  HICON icon = nullptr;
+  CommonControls().LoadIconWithScaleDown(ProgramInstance(), MAKEINTRESOURCEW(id), size, size, &icon);
+  return TIconHandle(icon);
 }
 
 void PaintPanel(HDC dc, const RECT& area, int bevel) noexcept {

@@ -25,7 +25,8 @@ TFontHandle MakeFont(const TFont& font, int dpi);
 /// The program's icon, shared: never destroyed.
 HICON ProgramIcon() noexcept;
 /// An icon of the resources, `size` pixels wide and high; none where there is no such icon.
-TIconHandle LoadProgramIcon(WORD id, int size) noexcept;
+/// Throws EError of kind System when the common controls cannot be loaded.
+TIconHandle LoadProgramIcon(WORD id, int size);
 
 /// The drawing surface of a WM_PAINT, for as long as it is handled.
 class TPaintScope {

@@ -3,33 +3,23 @@
 #include <algorithm>
 #include <iterator>
 
+#include "resources/Icons.h"
 #include "ui/windows/WindowClass.h"
 
 namespace {
-
-constexpr WORD kPartIcon = 93;
-constexpr WORD kAssemblyIcon = 94;
-constexpr WORD kDrawingIcon = 95;
-constexpr WORD kWarningIcon = 96;
 
 constexpr UINT kOneLine = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
 
 WORD ResourceOf(TNodeIcon icon) {
   switch (icon) {
     case TNodeIcon::Part:
-      return kPartIcon;
+      return ICON_PART;
     case TNodeIcon::Assembly:
-      return kAssemblyIcon;
+      return ICON_ASSEMBLY;
     case TNodeIcon::Drawing:
-      return kDrawingIcon;
+      return ICON_DRAWING;
   }
   return 0;
-}
-
-TIconHandle LoadIconOfSize(WORD resource, int size) {
-  HICON icon = nullptr;
-  CommonControls().LoadIconWithScaleDown(ProgramInstance(), MAKEINTRESOURCEW(resource), size, size, &icon);
-  return TIconHandle(icon);
 }
 
 void Fill(HDC dc, const RECT& area, COLORREF colour) {
@@ -84,12 +74,12 @@ void TTreeRowPainter::SetScale(const TFont& font, int dpi) {
 }
 
 void TTreeRowPainter::LoadIcons() {
-  for (auto& [index, image] : fImages) image.Handle = LoadIconOfSize(ResourceOf(image.Icon), fMetrics.Icon);
-  fWarning = LoadIconOfSize(kWarningIcon, fMetrics.Icon);
+  for (auto& [index, image] : fImages) image.Handle = LoadProgramIcon(ResourceOf(image.Icon), fMetrics.Icon);
+  fWarning = LoadProgramIcon(ICON_WARNING, fMetrics.Icon);
 }
 
 void TTreeRowPainter::SetNodeImage(int image, TNodeIcon icon) {
-  fImages.insert_or_assign(image, TNodeImage{icon, LoadIconOfSize(ResourceOf(icon), fMetrics.Icon)});
+  fImages.insert_or_assign(image, TNodeImage{icon, LoadProgramIcon(ResourceOf(icon), fMetrics.Icon)});
 }
 
 int TTreeRowPainter::RowHeight() const {
