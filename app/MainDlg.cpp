@@ -6,6 +6,7 @@
 #include "app/HostWindow.h"
 #include "app/Settings.h"
 #include "app/UpdateReport.h"
+#include "export/ExportAsmDlg.h"
 #include "inventor/DrawingReference.h"
 #include "inventor/PropertyUpdate.h"
 #include "platform/System.h"
@@ -67,12 +68,14 @@ void TfrmMain::FormShow() {
   const TCommandLine arguments(CommandLine());
   // Closing does not stop what follows; without arguments no switch matches and the program ends.
   if (arguments.Count() == 0) Close();
-  PlaceOver(HostRect(Handle()));
+  const TRect host = HostRect(Handle());
+  PlaceOver(host);
 
   const UnicodeString task = arguments.Argument(1);
   const UnicodeString file = arguments.Argument(2);
   if (task == u"/P") RunPropertyUpdate(file, arguments.Argument(3));
   if (task == u"/R") RunReferenceChange(file);
+  if (task == u"/E") RunExport(file, host);
   if (task == u"/RI") RunHintRemoval(file);
 }
 
@@ -110,6 +113,19 @@ void TfrmMain::RunReferenceChange(const UnicodeString& file) {
   }
   lbStatus.SetCaption(u"IDW Referenz geändert.");
   RestartCloseTimer();
+}
+
+void TfrmMain::RunExport(const UnicodeString& file, const TRect& host) {
+  CloseTimer.Disable();
+  AsmFileName = file;
+  ShowStatus(u"");
+  {
+    TfrmExportAsm dialog(*this);
+    dialog.ScaleTo(DpiAt(host));
+    dialog.CentreOn(host);
+    dialog.ShowModal();
+  }
+  Close();
 }
 
 void TfrmMain::RunHintRemoval(const UnicodeString& file) {

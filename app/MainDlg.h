@@ -27,6 +27,8 @@ class TfrmMain : public TForm {
   void PlaceOver(const TRect& rect);
   void RunPropertyUpdate(const UnicodeString& file, const UnicodeString& listFile);
   void RunReferenceChange(const UnicodeString& file);
+  /// Opens the export dialog over the middle of `host` and returns when it has been closed.
+  void RunExport(const UnicodeString& file, const TRect& host);
   void RunHintRemoval(const UnicodeString& file);
 
   /// Shows the text at once: the task that follows blocks the message loop.

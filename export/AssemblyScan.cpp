@@ -7,6 +7,7 @@
 #include "inventor/ApprenticeServer.h"
 #include "platform/Files.h"
 #include "platform/Path.h"
+#include "ui/MessageLoop.h"
 #include "ui/Screen.h"
 
 namespace {
@@ -57,6 +58,7 @@ void TAssemblyScan::ScanAssembly(const UnicodeString& datei) {
     for (std::int32_t i = 1; i <= count; ++i) {
       const UnicodeString file = document.ReferencedFiles().Item(i).FullFileName();
       const UnicodeString name = document.ReferencedFiles().Item(i).DisplayName();
+      KeepAlive();
       if (IsPart(file)) {
         EnterPart(file, name, i, parent);
       } else {

@@ -5,6 +5,11 @@ TextView FileExtension(TextView fileName) {
   return last != TextView::npos && fileName[last] == u'.' ? fileName.substr(last) : TextView();
 }
 
+TextView FileNameWithoutFolder(TextView fileName) {
+  // Behind npos begins the whole name.
+  return fileName.substr(fileName.find_last_of(u"\\:") + 1);
+}
+
 UnicodeString ChangeFileExtension(TextView fileName, TextView extension) {
   fileName.remove_suffix(FileExtension(fileName).size());
   return UnicodeString(fileName).append(extension);

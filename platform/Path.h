@@ -7,5 +7,8 @@
 /// From the last "." to the end, the dot included; empty when no "." stands behind the last separator.
 TextView FileExtension(TextView fileName);
 
+/// Everything behind the last separator.
+TextView FileNameWithoutFolder(TextView fileName);
+
 /// `fileName` with `extension` (dot included) in place of its own, or behind it when it has none.
 UnicodeString ChangeFileExtension(TextView fileName, TextView extension);

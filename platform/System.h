@@ -13,6 +13,9 @@ UnicodeString EnvironmentVariable(TextView name);
 /// The machine's network name, at most 15 characters; empty when it cannot be read.
 UnicodeString ComputerName();
 
+/// A clock that only goes forward, in milliseconds; its zero means nothing.
+std::int64_t TickMilliseconds();
+
 /// The system's text for an error code or HRESULT in the user's language, without the line break and blanks
 /// at its end. A code without a text gives "Systemfehler" and its hexadecimal digits.
 UnicodeString SystemErrorText(std::int32_t code);

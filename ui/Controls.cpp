@@ -80,6 +80,12 @@ void TLabel::SetCaption(TextView caption) {
   Window().SetText(caption);
 }
 
+TEdit::TEdit(TForm& form) : TControl(TWindowKind::Edit, form) {}
+
+void TEdit::SetText(TextView text) {
+  Window().SetText(text);
+}
+
 TButton::TButton(TForm& form, TButtonRole role)
     : TControl(role == TButtonRole::Default ? TWindowKind::DefaultButton : TWindowKind::Button, form,
                {.OnClose = {}, .OnDpiChanged = {}, .OnSized = {}, .OnClick = [this] { Click(); }}) {}

@@ -74,6 +74,15 @@ class TLabel : public TControl {
   void SetCaption(TextView caption);
 };
 
+/// A line of text to type in.
+class TEdit : public TControl {
+ public:
+  explicit TEdit(TForm& form);
+
+  void SetText(TextView text);
+  UnicodeString Text() { return Window().Text(); }
+};
+
 enum class TButtonRole { Plain, Default };
 
 /// A push button. One with a modal result also closes its form with it.

@@ -16,7 +16,7 @@ void RunModalLoop(TNativeWindow& dialog, const std::function<bool()>& ended);
 /// Ends a message box that is open and wakes the message loop. What is still to be painted stays unpainted.
 void PostQuit();
 
-/// To be called now and then in a long piece of work: the system sees that the program is alive. Handles no
+/// To be called often in a long piece of work: the system sees that the program is alive. Handles no
 /// message that waits, takes none away.
 void KeepAlive() noexcept;
 /// Throws away the keys and clicks that wait.

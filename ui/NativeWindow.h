@@ -22,6 +22,7 @@ enum class TWindowKind {
   Label,       ///< its text centred both ways, never wrapped: a new line begins at a carriage return
   Button,      ///< a push button with an image, a text, or both
   DefaultButton,  ///< the one that Enter presses where no other button has the input focus
+  Edit,           ///< a line of text that the user types
   ProgressBar,    ///< its text centred over a bar
   TreeList,       ///< the ground of a TNativeTreeList, which fills it
 };
@@ -63,6 +64,8 @@ class TNativeWindow {
 
   /// The title of a form, the text of a child. For a screen reader it is the window's name.
   void SetText(TextView text);
+  /// As the user has changed it.
+  UnicodeString Text() const;
   /// The font that the window draws with; `dpi` also scales bevels and images.
   void SetFont(const TFont& font, int dpi);
   void SetImage(TButtonImage image);

@@ -57,6 +57,10 @@ UnicodeString ComputerName() {
   return Machine().ComputerName;
 }
 
+std::int64_t TickMilliseconds() {
+  return Machine().Now;
+}
+
 UnicodeString SystemErrorText(std::int32_t code) {
   switch (code) {
     case kNoInterface:

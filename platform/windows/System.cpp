@@ -33,6 +33,10 @@ UnicodeString ComputerName() {
   return UnicodeString(FromWide(name.data(), length));
 }
 
+std::int64_t TickMilliseconds() {
+  return static_cast<std::int64_t>(::GetTickCount64());
+}
+
 UnicodeString SystemErrorText(std::int32_t code) {
   std::array<wchar_t, 1024> buffer{};
   const DWORD flags =

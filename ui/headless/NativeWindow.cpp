@@ -116,6 +116,10 @@ void TNativeWindow::SetText(TextView text) {
   if (fImpl->Kind == TWindowKind::Dialog) Machine().Record("title " + fImpl->Quoted());
 }
 
+UnicodeString TNativeWindow::Text() const {
+  return fImpl->Window.Title;
+}
+
 void TNativeWindow::SetFont(const TFont&, int) {}
 void TNativeWindow::SetImage(TButtonImage) {}
 void TNativeWindow::SetTextHidden() {}

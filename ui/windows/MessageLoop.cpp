@@ -30,6 +30,11 @@ void RunModalLoop(TNativeWindow& dialog, const std::function<bool()>& ended) {
 }
 
 void KeepAlive() noexcept {
+  constexpr ULONGLONG kPause = 50;
+  static ULONGLONG last = 0;
+  const ULONGLONG now = ::GetTickCount64();
+  if (now - last < kPause) return;
+  last = now;
   MSG message;
   ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
 }

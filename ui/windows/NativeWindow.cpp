@@ -34,6 +34,8 @@ constexpr TStyle StyleOf(TWindowKind kind) {
       return {kChild | WS_TABSTOP | BS_PUSHBUTTON, 0};
     case TWindowKind::DefaultButton:
       return {kChild | WS_TABSTOP | BS_DEFPUSHBUTTON, 0};
+    case TWindowKind::Edit:
+      return {kChild | WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE};
     case TWindowKind::ProgressBar:
       return {kChild, 0};
     case TWindowKind::TreeList:
@@ -69,6 +71,8 @@ UnicodeString TNativeWindow::TImpl::ClassOf(TWindowKind kind, TextView formClass
     case TWindowKind::Button:
     case TWindowKind::DefaultButton:
       return u"BUTTON";
+    case TWindowKind::Edit:
+      return u"EDIT";
     case TWindowKind::ProgressBar:
       return UnicodeString(FromWide(PROGRESS_CLASSW));
     case TWindowKind::StatusForm:
@@ -145,6 +149,14 @@ void TNativeWindow::SetText(TextView text) {
   fImpl->Text = text;
   ::SetWindowTextW(fImpl->Window.Get(), Wide(fImpl->Text));
   ::InvalidateRect(fImpl->Window.Get(), nullptr, FALSE);
+}
+
+UnicodeString TNativeWindow::Text() const {
+  const HWND window = fImpl->Window.Get();
+  UnicodeString text(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, u'\0');
+  text.resize(
+      static_cast<std::size_t>(::GetWindowTextW(window, WideBuffer(text), static_cast<int>(text.size()))));
+  return text;
 }
 
 void TNativeWindow::SetFont(const TFont& font, int dpi) {

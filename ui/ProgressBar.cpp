@@ -1,0 +1,34 @@
+#include "ui/ProgressBar.h"
+
+#include <algorithm>
+
+#include "platform/System.h"
+
+namespace {
+
+constexpr int kPingPongMilliseconds = 2400;  // there and back
+constexpr double kPingPongWidth = 0.25;
+
+/// Where the moving bar begins, from 0 to 1 - kPingPongWidth.
+double PingPongBegin() {
+  const double phase =
+      static_cast<double>(TickMilliseconds() % kPingPongMilliseconds) / kPingPongMilliseconds;
+  return (1 - kPingPongWidth) * (phase < 0.5 ? 2 * phase : 2 - 2 * phase);
+}
+
+}  // namespace
+
+TProgressBar::TProgressBar(TForm& form) : TControl(TWindowKind::ProgressBar, form) {}
+
+void TProgressBar::Repaint() {
+  if (fStyle == TProgressTextStyle::Text) {
+    const double begin = PingPongBegin();
+    Window().SetBar(begin, begin + kPingPongWidth);
+    Window().SetText(fText);
+  } else {
+    const double part = std::clamp(static_cast<double>(fPosition) / std::max(fMax, 1), 0.0, 1.0);
+    Window().SetBar(0, part);
+    Window().SetText(DecimalText(static_cast<std::int64_t>(part * 100)) + u" %");
+  }
+  Window().Repaint();
+}
