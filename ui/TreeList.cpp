@@ -1,26 +1,26 @@
 #include "ui/TreeList.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "ui/Application.h"
 #include "ui/ColumnLayout.h"
 
-/// Puts the query's cursor back to where it stood, also behind the last row.
+namespace {
+
+constexpr std::int64_t kNoImage = -1;
+
+}  // namespace
+
+/// Puts the query's cursor back to where it stood, be it behind the last row.
 struct TTreeList::TCursorKeeper {
-  explicit TCursorKeeper(TQuery& query) : Query(query), AtEnd(query.Eof()), Row(AtEnd ? 0 : query.Row()) {}
+  explicit TCursorKeeper(TQuery& query) : Query(query), Row(query.Row()) {}
   TCursorKeeper(const TCursorKeeper&) = delete;
   TCursorKeeper& operator=(const TCursorKeeper&) = delete;
-  ~TCursorKeeper() {
-    Application->Guard([this] {
-      if (!Query.Active() || Query.RowCount() == 0) return;
-      Query.GoTo(AtEnd ? Query.RowCount() - 1 : Row);
-      if (AtEnd) Query.Next();
-    });
-  }
+  ~TCursorKeeper() { Query.GoTo(Row); }
 
   TQuery& Query;
-  bool AtEnd;
   std::size_t Row;
 };
 
@@ -84,11 +84,17 @@ TTreeColumn& TTreeList::AddColumn(TTreeColumnDesign design) {
 
 void TTreeList::SetHeaderFont(const TFont& font) {
   fHeaderFont = font;
+  fScaledDpi = 0;
   Arranged();
 }
 
+/// A new place alone costs no new fonts.
 void TTreeList::Arranged() {
-  fNative.SetScale(Font(), fHeaderFont, Dpi());
+  if (fScaledDpi != Dpi() || fScaledFont != Font()) {
+    fScaledDpi = Dpi();
+    fScaledFont = Font();
+    fNative.SetScale(fScaledFont, fHeaderFont, fScaledDpi);
+  }
   FitWidths();
 }
 
@@ -109,7 +115,6 @@ void TTreeList::ShowColumns() {
 }
 
 void TTreeList::FitWidths() {
-  if (Updating()) return;
   std::vector<int> shares;
   for (const TTreeColumn* column : fVisible) shares.push_back(ShareOf(*column));
   fNative.SetColumnWidths(DivideWidth(shares, fNative.ColumnSpace()));
@@ -175,11 +180,13 @@ void TTreeList::Bind(std::size_t currentRecord) {
     fModel.Clear();
     const TField key = fQuery->Field(KeyField);
     const TField parent = fQuery->Field(ParentField);
+    std::optional<TField> image;
+    if (!ImageField.empty()) image.emplace(fQuery->Field(ImageField));
     std::vector<TTreeRow> rows;
     rows.reserve(fQuery->RowCount());
     for (fQuery->First(); !fQuery->Eof(); fQuery->Next()) {
-      const int image = ImageField.empty() ? -1 : static_cast<int>(fQuery->Field(ImageField).AsInteger());
-      rows.push_back({key.AsInteger(), parent.AsInteger(), image});
+      const std::int64_t index = image ? image->AsInteger() : kNoImage;
+      rows.push_back({key.AsInteger(), parent.AsInteger(), static_cast<std::int32_t>(index)});
     }
     fModel.Attach(rows, RootValue);
     const std::size_t node = fModel.NodeOf(currentRecord);
@@ -273,7 +280,7 @@ void TTreeList::KeyPressed(TTreeKey key) {
 
 /// The same letter again looks for the next row that begins with it.
 void TTreeList::LetterTyped(char16_t letter, bool continued) {
-  if (Updating() || fModel.NodeCount() == 0) return;
+  if (Updating() || fModel.NodeCount() == 0 || fVisible.empty()) return;
   if (!continued) {
     if (letter == u'+') return KeyPressed(TTreeKey::Open);
     if (letter == u'-') return KeyPressed(TTreeKey::Close);
@@ -284,7 +291,7 @@ void TTreeList::LetterTyped(char16_t letter, bool continued) {
   const std::size_t from = fModel.Current() + (fTyped.size() == 1 ? 1 : 0);
   Perform(true, [this, from] {
     const TCursorKeeper keeper(*fQuery);
-    const TField field = fQuery->Field(SearchField.empty() ? fVisible.at(0)->FieldName() : SearchField);
+    const TField field = fQuery->Field(SearchField.empty() ? fVisible.front()->FieldName() : SearchField);
     fModel.Find(fTyped, from, [this, &field](std::size_t record) {
       fQuery->GoTo(record);
       return field.AsText();

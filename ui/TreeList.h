@@ -144,6 +144,8 @@ class TTreeList : public TControl {
   bool fBindWanted = false;
   UnicodeString fTyped;
   TFont fHeaderFont;
+  TFont fScaledFont;
+  int fScaledDpi = 0;       // what the native list has been told
   int fDepth = 0;           // of the rows in view
   TNativeTreeList fNative;  // the first to go: it reports to all that stands above
 };

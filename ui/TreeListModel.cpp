@@ -69,7 +69,7 @@ std::vector<TTreeListModel::TNode> TTreeListModel::InTreeOrder(std::span<const T
   TPosition parent = kNoParent;
   for (TPosition record = firstRoot; record != kNobody;) {
     const std::uint32_t level = parent == kNoParent ? 0 : nodes[parent].Level + 1;
-    nodes.push_back({record, parent, 0, rows[record].Image, level & 0x7FFFFFFFu, level == 0});
+    nodes.push_back({record, parent, 0, rows[record].Image, level & 0x7FFFFFFFu, level == 0 ? 1u : 0u});
     const auto end = static_cast<TPosition>(nodes.size());
     if (firstChild[record] != kNobody) {
       parent = end - 1;

@@ -1,0 +1,118 @@
+#include "ui/TreeList.h"
+
+#include "database/Session.h"
+#include "tests/support/TestMachine.h"
+#include "ui/Application.h"
+#include "ui/headless/TreeListScreen.h"
+
+namespace {
+
+using TScreen = headless::TTreeListScreen;
+using TLines = std::vector<std::string>;
+
+/// A tree list of five lines over a table of nodes, and an application that shows its errors.
+class TreeListTest : public TMachineTest {
+ protected:
+  TreeListTest() {
+    fDatabase.Folder = u"C:\\Temp";
+    fSession.Open();
+    fDatabase.Open();
+    fList.KeyField = u"ID";
+    fList.ParentField = u"Parent";
+    fList.ImageField = u"Image";
+    fList.SearchField = u"Name";
+    fList.RootValue = -1;
+    fList.SetBounds({0, 0, 415, 140});
+    fList.AddColumn({.Caption = u"*", .FieldName = u"ID", .Width = 100});
+    fName = &fList.AddColumn({.Caption = u"Bezeichnung", .FieldName = u"name", .Width = 300});
+    fList.SetDataSource(&fQuery);
+    fQuery.SQL.Add(u"CREATE TABLE T (Image Integer, Parent Integer, Name Char(9), ID AutoInc);");
+    fQuery.SQL.Add(u"SELECT * FROM T");
+  }
+
+  void Insert(std::int64_t parent, TextView name) { fQuery.InsertRecord({std::int64_t{7}, parent, name}); }
+  void Fill() {
+    fList.BeginUpdate();
+    fQuery.Open();
+    Insert(-1, u"Wanne");
+    Insert(1, u"Rad");
+    Insert(2, u"Nabe");
+    Insert(0, u"Achse");
+    EXPECT_EQ(fQuery.Row(), 3U) << "the cursor stays on what is new";
+    EXPECT_EQ(TScreen::Lines(), TLines());
+    EXPECT_EQ(TScreen::Info(), "0 von 0");
+    fList.EndUpdate();
+  }
+
+  TApplication fApplication{u"Velmora"};
+  TForm fForm{TWindowKind::StatusForm, u"TForm", u"", 415, 140};
+  TSession fSession;
+  TDatabase fDatabase{fSession};
+  TQuery fQuery{fDatabase};
+  TTreeList fList{fForm};
+  TTreeColumn* fName = nullptr;
+};
+
+}  // namespace
+
+TEST_F(TreeListTest, ShowsWhatTheQueryHolds) {
+  Fill();
+  fList.EndUpdate();
+  EXPECT_EQ(TScreen::Lines(), (TLines{"> [-] 7 | 1 | Wanne", "    [+] 7 | 2 | Rad", "      7 | 4 | Achse"}));
+  EXPECT_EQ(TScreen::Info(), "1 von 4");
+  EXPECT_EQ(TScreen::Headers(), "* | Bezeichnung");
+  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{100, 300}));
+  EXPECT_EQ(fQuery.Row(), 0U);
+  Insert(3, u"Ring");
+  EXPECT_EQ(TScreen::Info(), "5 von 5") << "without an update state a new row is shown at once";
+  EXPECT_EQ(fQuery.Row(), 4U);
+  fQuery.Close();
+  EXPECT_EQ(TScreen::Lines(), TLines());
+  EXPECT_EQ(TScreen::Info(), "0 von 0");
+}
+
+TEST_F(TreeListTest, MovesTheCursorWithTheCurrentRow) {
+  Fill();
+  TScreen::Type(u"na");
+  EXPECT_EQ(fQuery.Row(), 2U);
+  EXPECT_EQ(TScreen::Info(), "3 von 4");
+  TScreen::Type(u"-");
+  TScreen::Press(TTreeKey::Left);
+  TScreen::Type(u"-");
+  EXPECT_EQ(TScreen::Lines(), (TLines{"  [-] 7 | 1 | Wanne", ">   [+] 7 | 2 | Rad", "      7 | 4 | Achse"}));
+  fList.FullCollapse();
+  EXPECT_EQ(fQuery.Row(), 0U);
+  TScreen::Mouse(TTreeListMouse::Select, 1);
+  EXPECT_EQ(fQuery.Row(), 3U);
+  fQuery.First();
+  while (!fQuery.Eof()) fQuery.Next();
+  std::string rows;
+  fList.ForEachRow([&rows](const TTreeListRow& row) {
+    rows += std::to_string(row.Level) + Utf8FromText(row.Texts[1]) + " ";
+  });
+  EXPECT_EQ(rows, "0Wanne 1Rad 2Nabe 0Achse ");
+  EXPECT_TRUE(fQuery.Eof()) << "drawing and listing leave the cursor alone";
+}
+
+TEST_F(TreeListTest, AsksOnceForEachDrawnText) {
+  std::string asked;
+  fName->OnValidateDrawValue = [&asked](const UnicodeString& value, TDrawWarning& warning) {
+    asked += Utf8FromText(value) + " ";
+    if (value == u"Rad") throw EError(TErrorKind::System, 5, u"Zugriff verweigert");
+    if (value == u"Achse") warning = {u"Fehlt!", true};
+  };
+  Fill();
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(TScreen::Lines().back(), "      7 | 4 | (Fehlt!) Achse");
+  EXPECT_EQ(asked, "Wanne Rad Achse ");
+  EXPECT_EQ(headless::Machine().Log.front(), "0 error box without owner \"Velmora\": Zugriff verweigert");
+}
+
+TEST_F(TreeListTest, IsEmptyAfterAFailedBinding) {
+  Fill();
+  fList.ParentField = u"Eltern";
+  EXPECT_THROW(Insert(-1, u"Deckel"), EError);
+  EXPECT_EQ(TScreen::Info(), "0 von 0");
+  for (const TTreeKey key : {TTreeKey::Down, TTreeKey::Left, TTreeKey::OpenBranch}) TScreen::Press(key);
+  TScreen::Type(u"rad");
+  EXPECT_EQ(TScreen::Lines(), TLines());
+}
