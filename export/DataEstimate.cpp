@@ -24,28 +24,51 @@ std::size_t Slot(std::uint32_t value) noexcept {
   return value * 0x9E3779B1U >> 20;
 }
 
-/// How far the counts of the byte values are from being equal: the sum of squared deviations over the
-/// expected count. About 255 for random bytes, whatever their number.
-double Unevenness(std::span<const unsigned char> unit) noexcept {
-  // Four tables: with one, a row of equal bytes makes every step wait for the one before.
-  std::array<std::array<std::uint32_t, 256>, 4> counts{};
-  std::size_t i = 0;
-  for (; i + 4 <= unit.size(); i += 4) {
-    const std::uint32_t value = ValueAt(&unit[i]);
-    ++counts[0][value & 0xFF];
-    ++counts[1][value >> 8 & 0xFF];
-    ++counts[2][value >> 16 & 0xFF];
-    ++counts[3][value >> 24];
-  }
-  for (; i < unit.size(); ++i) ++counts[0][unit[i]];
+struct TSpread {
+  double Savings;
+  bool IsText;
+};
 
-  std::uint64_t squares = 0;
+/// What Huffman codes save in a piece of at most kUnitSize bytes, while that is not much; where it is, too
+/// large a number does no harm. It follows from how far the counts of the byte values are from being equal,
+/// in the measure of the chi-squared test: about 255 for random bytes, whatever their number.
+TSpread Spread(std::span<const unsigned char> unit) noexcept {
+  // Four tables: with one, a row of equal bytes makes every step wait for the one before. Half of the bytes
+  // are as good as all: sixteen are counted, sixteen are not, so that no column of a table of numbers is
+  // passed over.
+  std::array<std::array<std::uint16_t, 256>, 4> counts{};
+  std::size_t counted = 0;
+  for (std::size_t begin = 0; begin < unit.size(); begin += 32) {
+    const std::size_t end = std::min(begin + 16, unit.size());
+    counted += end - begin;
+    std::size_t i = begin;
+    for (; i + 4 <= end; i += 4) {
+      const std::uint32_t value = ValueAt(&unit[i]);
+      ++counts[0][value & 0xFF];
+      ++counts[1][value >> 8 & 0xFF];
+      ++counts[2][value >> 16 & 0xFF];
+      ++counts[3][value >> 24];
+    }
+    for (; i < end; ++i) ++counts[0][unit[i]];
+  }
+
+  std::uint32_t squares = 0;
+  std::uint32_t letters = 0;
   for (std::size_t value = 0; value < 256; ++value) {
-    const std::uint64_t count = counts[0][value] + counts[1][value] + counts[2][value] + counts[3][value];
+    const std::uint32_t count =
+        std::uint32_t{counts[0][value]} + counts[1][value] + counts[2][value] + counts[3][value];
     squares += count * count;
   }
-  const auto size = static_cast<double>(unit.size());
-  return static_cast<double>(squares) * 256 / size - size;
+  for (std::size_t value = ' '; value <= '~'; ++value) {
+    letters += std::uint32_t{counts[0][value]} + counts[1][value] + counts[2][value] + counts[3][value];
+  }
+  constexpr double kRandom = 255;
+  constexpr double kUnevennessPerByte = 11;
+  const auto size = static_cast<double>(counted);
+  const double unevenness = static_cast<double>(squares) * 256 / size - size;
+  const double savings =
+      (unevenness - kRandom) / kUnevennessPerByte * static_cast<double>(unit.size()) / size;
+  return {std::max(0.0, savings), letters > counted / 8 * 7};
 }
 
 }  // namespace
@@ -56,14 +79,20 @@ void TDataEstimate::Reset() noexcept {
 }
 
 TDataEstimate::TResult TDataEstimate::Judge(std::span<const unsigned char> unit) {
-  if (unit.empty()) return {0, false};
-  // What Huffman codes save, while that is not much; where it is, too large a number does no harm.
-  constexpr double kRandom = 255;
-  constexpr double kUnevennessPerByte = 11;
-  const double byCodes = std::max(0.0, (Unevenness(unit) - kRandom) / kUnevennessPerByte);
+  if (unit.empty()) return {0, false, false};
+  const TSpread spread = Spread(unit);
   const std::size_t repeats = RepeatedProbes(unit);
   Remember(unit);
-  return {static_cast<std::size_t>(byCodes) + repeats * unit.size() / kProbes, repeats > 0};
+  return {static_cast<std::size_t>(spread.Savings) + repeats * unit.size() / kProbes, repeats > 0,
+          spread.IsText};
+}
+
+std::size_t TDataEstimate::RandomStart(std::span<const unsigned char> unit) {
+  constexpr std::size_t kPiece = 512;
+  constexpr double kNoise = 20;  // random bytes seem to save as much now and then
+  std::size_t size = 0;
+  while (size + kPiece <= unit.size() && Spread(unit.subspan(size, kPiece)).Savings < kNoise) size += kPiece;
+  return size;
 }
 
 /// At how many places something stands that was marked within reach. A place is as long as two marks are

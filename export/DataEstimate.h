@@ -19,9 +19,15 @@ class TDataEstimate {
   struct TResult {
     std::size_t Savings;  ///< the bytes that Deflate would probably save
     bool HasRepeats;      ///< some of them because the data before this piece hold the same
+    bool IsText;          ///< of ASCII, by and large
   };
   /// Judges the next piece of the data.
   TResult Judge(std::span<const unsigned char> unit);
+  /// The next piece of the data needs no judgement.
+  void Skip(std::span<const unsigned char> unit) { Remember(unit); }
+
+  /// How many bytes at the start of a piece without repeats are not worth anything to Deflate.
+  static std::size_t RandomStart(std::span<const unsigned char> unit);
 
  private:
   struct TMark {

@@ -8,10 +8,14 @@
 namespace {
 
 constexpr int kLevel = 6;
+constexpr int kMemory = 8;
+constexpr int kMaxMatch = 258;
+constexpr int kCandidates = 1;
 constexpr int kRawDeflate = -MAX_WBITS;
 constexpr std::size_t kWindow = 32 * 1024;
-constexpr std::size_t kBlockSize = 256 * 1024;
 constexpr std::size_t kMostStored = 0xFFFF;  // bytes of one stored block
+/// As many units as one stored block can hold. Larger blocks leave the cache before they are written.
+constexpr std::size_t kBlockSize = kMostStored / TDataEstimate::kUnitSize * TDataEstimate::kUnitSize;
 
 /// What a unit must save at least before it goes through the compressor: a change of the kind costs about as
 /// much for its marks and for code tables of their own.
@@ -26,8 +30,7 @@ void TPackedStream::TDeflateEnd::operator()(z_stream_s* stream) const noexcept {
 
 TPackedStream::TPackedStream(TArchiveFile& target) : fTarget(target), fBuffer(kWindow + kBlockSize) {
   auto stream = std::make_unique<z_stream>();
-  if (::deflateInit2(stream.get(), kLevel, Z_DEFLATED, kRawDeflate, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY) !=
-      Z_OK) {
+  if (::deflateInit2(stream.get(), kLevel, Z_DEFLATED, kRawDeflate, kMemory, Z_DEFAULT_STRATEGY) != Z_OK) {
     throw std::bad_alloc();
   }
   fStream.reset(stream.release());
@@ -37,6 +40,9 @@ TPackedStream::~TPackedStream() = default;
 
 void TPackedStream::Begin() {
   ::deflateReset(fStream.get());
+  // Few candidates for each match, but always a look whether the next position has a longer one: of all
+  // settings that take this time, these give the smallest archives.
+  ::deflateTune(fStream.get(), kMaxMatch, kMaxMatch, kMaxMatch, kCandidates);
   fEstimate.Reset();
   fKind = TKind::Stored;
   fHistory = 0;
@@ -54,10 +60,15 @@ void TPackedStream::Pack(std::size_t count) {
     const TDataEstimate::TResult estimate = fEstimate.Judge(unit);
     const TKind kind = estimate.Savings < kWorthPacking ? TKind::Stored : TKind::Packed;
     if (kind == fKind) continue;
-    PackRun(block.subspan(begin, i - begin));
-    begin = i;
-    ChangeKind(kind);
-    if (kind == TKind::Packed && estimate.HasRepeats) ShowHistory(i);
+    std::size_t end = i;
+    if (kind == TKind::Packed && !estimate.HasRepeats) end += TDataEstimate::RandomStart(unit);
+    PackRun(block.subspan(begin, end - begin));
+    begin = end;
+    if (kind == TKind::Packed) {
+      BeginPacked(end, estimate);
+    } else {
+      BeginStored();
+    }
   }
   PackRun(block.subspan(begin));
   KeepHistory(count);
@@ -72,14 +83,18 @@ void TPackedStream::PackRun(TBytes run) {
   }
 }
 
-void TPackedStream::ChangeKind(TKind kind) {
+void TPackedStream::BeginStored() {
   // Full: the compressor will not see the stored bytes, and must not measure distances across them.
-  if (kind == TKind::Stored) Deflate({}, Z_FULL_FLUSH);
-  fKind = kind;
+  Deflate({}, Z_FULL_FLUSH);
+  fKind = TKind::Stored;
 }
 
-/// Gives the compressor what it has not seen of the bytes before `position` of the block.
-void TPackedStream::ShowHistory(std::size_t position) {
+void TPackedStream::BeginPacked(std::size_t position, const TDataEstimate::TResult& estimate) {
+  fKind = TKind::Packed;
+  // In texts of numbers the short matches that the filtered strategy refuses cost more than they save.
+  ::deflateParams(fStream.get(), kLevel, estimate.IsText ? Z_FILTERED : Z_DEFAULT_STRATEGY);
+  if (!estimate.HasRepeats) return;
+  // What it has not seen of the bytes before.
   const std::size_t size = std::min(fHistory + position, kWindow);
   ::deflateSetDictionary(fStream.get(), &fBuffer[kWindow + position - size], static_cast<uInt>(size));
 }

@@ -36,8 +36,8 @@ class TPackedStream {
   using TBytes = std::span<const unsigned char>;
 
   void PackRun(TBytes run);
-  void ChangeKind(TKind kind);
-  void ShowHistory(std::size_t position);
+  void BeginStored();
+  void BeginPacked(std::size_t position, const TDataEstimate::TResult& estimate);
   void KeepHistory(std::size_t count);
   void Store(TBytes run);
   void Deflate(TBytes run, int flush);

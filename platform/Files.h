@@ -82,8 +82,8 @@ enum class TCreate {
   Replace,  ///< a file that is there already is emptied
 };
 
-/// A file that is written from front to back, with places in it changed afterwards; nobody else can open it
-/// meanwhile where the system can keep others out. Every error is an EError of kind InputOutput with the
+/// A file that is written from front to back, with places in it changed afterwards. Where the system can keep
+/// others out they may read it meanwhile, nothing else. Every error is an EError of kind InputOutput with the
 /// system's code. A file that is destroyed without Close is closed silently and stays as it is.
 class TOutputFile {
  public:

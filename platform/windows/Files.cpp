@@ -165,7 +165,7 @@ struct TOutputFile::TImpl {
 };
 
 TOutputFile::TOutputFile(TextView path, TCreate how) : fImpl(std::make_unique<TImpl>()) {
-  fImpl->Handle = TFileHandle(::CreateFileW(Wide(SystemPath(path)), GENERIC_WRITE, 0, nullptr,
+  fImpl->Handle = TFileHandle(::CreateFileW(Wide(SystemPath(path)), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                             how == TCreate::New ? CREATE_NEW : CREATE_ALWAYS,
                                             FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!fImpl->Handle) throw LastInputOutputError();

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Usage: check-archive.py ARCHIVE FOLDER [NAMES]   compares a ZIP archive with the folder that it was made of
+"""Usage: check.py ARCHIVE FOLDER [NAMES]   compares a ZIP archive with the folder that it was made of
 
 Python's zipfile, unzip, 7z and bsdtar each read all of it. NAMES is a file with the entries' names in their order.
 """

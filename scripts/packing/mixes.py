@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Usage: make-packing-mixes.py FOLDER   writes the folders cad/, text/ and small/ that bench-packing.sh packs
+"""Usage: mixes.py FOLDER   writes the folders cad/, text/ and small/ that bench-packing.sh packs
 
 The data are the same on every run: each file is drawn with a seed of its own.
 """
