@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::size_t kBufferSize = 64 * 1024;
+constexpr std::size_t kBufferSize = 65'536;
 
 }  // namespace
 

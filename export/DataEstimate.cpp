@@ -6,8 +6,8 @@
 namespace {
 
 constexpr std::size_t kMarkSpacing = 16;
-constexpr std::size_t kProbes = 8;                 // places in a unit at which repeats are looked for
-constexpr std::uint32_t kReach = 32 * 1024 - 262;  // zlib looks back no farther
+constexpr std::size_t kProbes = 8;              // places in a unit at which repeats are looked for
+constexpr std::uint32_t kReach = 32'768 - 262;  // zlib looks back no farther
 
 std::uint32_t ValueAt(const unsigned char* bytes) noexcept {
   std::uint32_t value = 0;

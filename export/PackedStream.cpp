@@ -12,7 +12,7 @@ constexpr int kMemory = 8;
 constexpr int kMaxMatch = 258;
 constexpr int kCandidates = 1;
 constexpr int kRawDeflate = -MAX_WBITS;
-constexpr std::size_t kWindow = 32 * 1024;
+constexpr std::size_t kWindow = 32'768;
 constexpr std::size_t kMostStored = 0xFFFF;  // bytes of one stored block
 /// As many units as one stored block can hold. Larger blocks leave the cache before they are written.
 constexpr std::size_t kBlockSize = kMostStored / TDataEstimate::kUnitSize * TDataEstimate::kUnitSize;

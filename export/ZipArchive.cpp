@@ -64,7 +64,7 @@ void TZipArchive::TImpl::Pack(TInputFile& input, TZipEntry& entry, std::uint64_t
 }
 
 void TZipArchive::TImpl::AddToDirectory(const TZipEntry& entry) {
-  constexpr std::size_t kPieceSize = 64 * 1024;
+  constexpr std::size_t kPieceSize = 65'536;
   const std::string header = zip_records::DirectoryHeader(entry);
   if (Directory.empty() || Directory.back().size() + header.size() > Directory.back().capacity()) {
     Directory.emplace_back().reserve(std::max(kPieceSize, header.size()));

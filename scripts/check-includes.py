@@ -44,7 +44,7 @@ kSharedWithComShell = tuple(f"platform/windows/{name}.h" for name in
 kLibraries = {
     "nlohmann/": ("simulator/",) + kMeasuringFolders,
     "sqlite3.h": ("database/",),
-    "zlib.h": ("export/",),
+    "zlib.h": ("export/",) + kMeasuringFolders,
     "gtest/": ("tests/",),
     "gmock/": ("tests/",),
     "benchmark/": ("benchmarks/",),

@@ -11,7 +11,7 @@ packagesFor() {
         # Wine only recommends the X libraries, but does without drawing, cursors or several screens if they lack.
         wine) echo wine wine64 fonts-wine xvfb libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 \
             libxrandr2 libxrender1 ;;
-        packing) echo python3 zip unzip p7zip-full libarchive-tools ;;
+        packing) echo python3 time zip unzip p7zip-full libarchive-tools ;;
         demo) echo imagemagick python3 ;;
         format) echo clang-format ;;
         lint) echo clang-tidy ;;

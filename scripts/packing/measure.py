@@ -5,7 +5,6 @@ import shutil
 import statistics
 import subprocess
 import sys
-import time
 from pathlib import Path
 
 kPackers = {
@@ -29,16 +28,13 @@ def SizeOf(path):
     return sum(file.stat().st_size for file in path.rglob("*") if file.is_file()) if path.is_dir() else path.stat().st_size
 
 
-def Run(command, mixes):
+def Run(command, mixes, report):
     """Seconds on the clock, seconds of the processor, peak memory in KiB."""
-    begin = time.perf_counter()
-    process = subprocess.Popen(command, cwd=mixes, stdin=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    seconds = time.perf_counter() - begin
-    process.returncode = os.waitstatus_to_exitcode(status)
-    if process.returncode != 0:
-        sys.exit(f"measure.py: {command[0]} ended with {process.returncode}")
-    return seconds, usage.ru_utime + usage.ru_stime, usage.ru_maxrss
+    # By a small program: a child of this one would begin with this one's memory as its peak.
+    subprocess.run(["time", "-q", "-o", report, "-f", "%e %U %S %M", *command], cwd=mixes, stdin=subprocess.DEVNULL,
+                   check=True)
+    seconds, user, system, memory = map(float, report.read_text().split())
+    return seconds, user + system, memory
 
 
 def Measure(mix, ours, folder, runs):
@@ -49,7 +45,7 @@ def Measure(mix, ours, folder, runs):
             Remove(archive)
             os.sync()
             command = [part.format(archive=archive, mix=mix, folder=mixes / mix, ours=ours) for part in command]
-            result = Run(command, mixes)
+            result = Run(command, mixes, folder / "time")
             if run > 0:
                 results[name].append(result)
             sizes[name] = SizeOf(archive)
