@@ -46,7 +46,7 @@ kSharedWithComShell = tuple(f"platform/windows/{name}.h" for name in
 kLibraries = {
     "nlohmann/": ("simulator/",) + kMeasuringFolders,
     "sqlite3.h": ("database/", "benchmarks/"),
-    "zlib.h": ("export/",),
+    "zlib.h": ("export/",) + kMeasuringFolders,
     "gtest/": ("tests/",),
     "gmock/": ("tests/",),
     "benchmark/": ("benchmarks/",),

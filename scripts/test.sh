@@ -6,7 +6,7 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 echo "test.sh: building and testing the native and the Windows build"
-"$root/scripts/packages.sh" native windows wine format
+"$root/scripts/packages.sh" native windows wine format packing
 
 # A run that is stopped half way leaves no tests and no Wine session behind. Silent: nothing may follow ctest's
 # summary.

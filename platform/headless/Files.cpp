@@ -1,10 +1,14 @@
 #include "platform/Files.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <ctime>
+#include <memory>
 #include <utility>
 
 #include "platform/Error.h"
@@ -21,6 +25,41 @@ struct TDescriptorTraits {
   static void Close(THandle handle) noexcept { ::close(handle); }
 };
 using TDescriptor = TUniqueHandle<TDescriptorTraits>;
+
+TDescriptor OpenDescriptor(TextView path, int flags) {
+  TDescriptor descriptor(::open(headless::HostPath(path).c_str(), flags | O_CLOEXEC, 0666));
+  if (!descriptor) throw InputOutputError(errno);
+  return descriptor;
+}
+
+struct stat Status(const TDescriptor& descriptor) {
+  struct stat status {};
+  if (::fstat(descriptor.Get(), &status) != 0) throw InputOutputError(errno);
+  return status;
+}
+
+TLocalTime LocalTime(std::time_t time) {
+  std::tm local{};
+  if (::localtime_r(&time, &local) == nullptr) return {};
+  const auto byte = [](int value) { return static_cast<std::uint8_t>(value); };
+  const int year = std::clamp(local.tm_year + 1900, 0, 0xFFFF);
+  return {static_cast<std::uint16_t>(year),
+          byte(local.tm_mon + 1),
+          byte(local.tm_mday),
+          byte(local.tm_hour),
+          byte(local.tm_min),
+          byte(local.tm_sec)};
+}
+
+TFolderEntry Entry(int folder, const char* name) {
+  struct stat status {};
+  if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) throw InputOutputError(errno);
+  TEntryKind kind = TEntryKind::Other;
+  if (S_ISREG(status.st_mode)) kind = TEntryKind::File;
+  if (S_ISDIR(status.st_mode)) kind = TEntryKind::Folder;
+  const auto size = kind == TEntryKind::File ? static_cast<std::uint64_t>(status.st_size) : 0;
+  return {TextFromUtf8(name), kind, size, LocalTime(status.st_mtime)};
+}
 
 }  // namespace
 
@@ -39,6 +78,23 @@ bool CreateFolders(TextView path) {
   std::error_code error;
   std::filesystem::create_directories(headless::HostPath(path), error);
   return FolderExists(path);
+}
+
+std::vector<TFolderEntry> ListFolder(TextView path) {
+  const std::filesystem::path host = headless::HostPath(path);
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(host.c_str()),
+                                                   [](DIR* open) { return ::closedir(open); });
+  if (folder == nullptr) throw InputOutputError(errno);
+  std::vector<TFolderEntry> entries;
+  for (;;) {
+    errno = 0;
+    const dirent* entry = ::readdir(folder.get());
+    if (entry == nullptr) break;
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") entries.push_back(Entry(::dirfd(folder.get()), entry->d_name));
+  }
+  if (errno != 0) throw InputOutputError(errno);
+  return entries;
 }
 
 /// Without a descriptor of its own it reads the machine's standard input.
@@ -60,6 +116,12 @@ TInputFile TInputFile::Open(TextView path) {
   return TInputFile(std::make_unique<TImpl>(TImpl{std::move(descriptor)}));
 }
 
+TInputFile TInputFile::OpenShared(TextView path) {
+  TDescriptor descriptor = OpenDescriptor(path, O_RDONLY);
+  if (S_ISDIR(Status(descriptor).st_mode)) throw InputOutputError(EISDIR);
+  return TInputFile(std::make_unique<TImpl>(TImpl{std::move(descriptor)}));
+}
+
 TInputFile TInputFile::StandardInput() {
   return TInputFile(std::make_unique<TImpl>());
 }
@@ -75,4 +137,42 @@ std::size_t TInputFile::Read(std::span<char> buffer) {
   const std::size_t count = input->copy(buffer.data(), buffer.size(), fImpl->Position);
   fImpl->Position += count;
   return count;
+}
+
+TInputFile::TState TInputFile::State() const {
+  const struct stat status = Status(fImpl->Descriptor);
+  return {static_cast<std::uint64_t>(status.st_size), LocalTime(status.st_mtime)};
+}
+
+struct TOutputFile::TImpl {
+  TDescriptor Descriptor;
+};
+
+TOutputFile::TOutputFile(TextView path, TCreate how)
+    : fImpl(std::make_unique<TImpl>(
+          TImpl{OpenDescriptor(path, O_WRONLY | O_CREAT | (how == TCreate::New ? O_EXCL : O_TRUNC))})) {}
+TOutputFile::TOutputFile(TOutputFile&&) noexcept = default;
+TOutputFile& TOutputFile::operator=(TOutputFile&&) noexcept = default;
+TOutputFile::~TOutputFile() = default;
+
+void TOutputFile::Write(std::span<const char> bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(fImpl->Descriptor.Get(), bytes.data(), bytes.size());
+    if (count < 0) throw InputOutputError(errno);
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+}
+
+void TOutputFile::WriteAt(std::uint64_t position, std::span<const char> bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count =
+        ::pwrite(fImpl->Descriptor.Get(), bytes.data(), bytes.size(), static_cast<off_t>(position));
+    if (count < 0) throw InputOutputError(errno);
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+    position += static_cast<std::uint64_t>(count);
+  }
+}
+
+void TOutputFile::Close() {
+  if (::close(fImpl->Descriptor.Detach()) != 0) throw InputOutputError(errno);
 }

@@ -5,6 +5,7 @@
 
 #include "platform/Error.h"
 #include "platform/windows/SystemHandles.h"
+#include "platform/windows/SystemPath.h"
 #include "platform/windows/Wide.h"
 
 namespace {
@@ -17,6 +18,43 @@ bool OpensAsFolder(const UnicodeString& path) {
   return static_cast<bool>(handle);
 }
 
+EError LastInputOutputError() {
+  return InputOutputError(static_cast<std::int32_t>(::GetLastError()));
+}
+
+/// By the rules for summer time of its own date, as the system's shell shows it.
+TLocalTime LocalTime(const FILETIME& time) {
+  SYSTEMTIME utc{};
+  SYSTEMTIME local{};
+  if (!::FileTimeToSystemTime(&time, &utc) || !::SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local))
+    return {};
+  const auto byte = [](WORD value) { return static_cast<std::uint8_t>(value); };
+  return {local.wYear,       byte(local.wMonth),  byte(local.wDay),
+          byte(local.wHour), byte(local.wMinute), byte(local.wSecond)};
+}
+
+std::uint64_t Joined(DWORD high, DWORD low) {
+  return std::uint64_t{high} << 32 | low;
+}
+
+/// Not every reparse point leads elsewhere: a file that lies in the cloud, say, is a file.
+bool IsLink(const WIN32_FIND_DATAW& found) {
+  return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+         IsReparseTagNameSurrogate(found.dwReserved0);
+}
+
+TFolderEntry Entry(const WIN32_FIND_DATAW& found) {
+  TEntryKind kind = TEntryKind::File;
+  if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) kind = TEntryKind::Folder;
+  if (IsLink(found)) kind = TEntryKind::Other;
+  const auto size = kind == TEntryKind::File ? Joined(found.nFileSizeHigh, found.nFileSizeLow) : 0;
+  return {UnicodeString(FromWide(found.cFileName)), kind, size, LocalTime(found.ftLastWriteTime)};
+}
+
+DWORD ClampedSize(std::size_t size) {
+  return static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
+}
+
 /// The folder that `path` lies in; empty at the top.
 UnicodeString ParentFolder(const UnicodeString& path) {
   const std::size_t separator = path.find_last_of(u"\\/");
@@ -26,7 +64,7 @@ UnicodeString ParentFolder(const UnicodeString& path) {
 }  // namespace
 
 bool FolderExists(TextView path) {
-  const UnicodeString name(path);
+  const UnicodeString name = SystemPath(path);
   const DWORD attributes = ::GetFileAttributesW(Wide(name));
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return false;
   return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 || OpensAsFolder(name);
@@ -38,13 +76,32 @@ bool FileExists(TextView path) {
 }
 
 bool CreateFolders(TextView path) {
-  const UnicodeString name(path);
+  const UnicodeString name = SystemPath(path);
   if (::CreateDirectoryW(Wide(name), nullptr)) return true;
   if (::GetLastError() == ERROR_PATH_NOT_FOUND) {
-    const UnicodeString parent = ParentFolder(name);
+    const UnicodeString parent = ParentFolder(UnicodeString(path));
     if (!parent.empty() && CreateFolders(parent)) return ::CreateDirectoryW(Wide(name), nullptr) != 0;
   }
   return FolderExists(path);
+}
+
+std::vector<TFolderEntry> ListFolder(TextView path) {
+  WIN32_FIND_DATAW found{};
+  const TFindHandle search(::FindFirstFileExW(Wide(SystemPath(UnicodeString(path) + u"\\*")), FindExInfoBasic,
+                                              &found, FindExSearchNameMatch, nullptr,
+                                              FIND_FIRST_EX_LARGE_FETCH));
+  std::vector<TFolderEntry> entries;
+  if (search) {
+    do {
+      const TextView name = FromWide(found.cFileName);
+      if (name != u"." && name != u"..") entries.push_back(Entry(found));
+    } while (::FindNextFileW(search.Get(), &found));
+  }
+  // An empty top folder of a drive has not even the entries "." and "..".
+  const DWORD error = ::GetLastError();
+  if (error != ERROR_NO_MORE_FILES && error != ERROR_FILE_NOT_FOUND)
+    throw InputOutputError(static_cast<std::int32_t>(error));
+  return entries;
 }
 
 struct TInputFile::TImpl {
@@ -59,9 +116,18 @@ TInputFile& TInputFile::operator=(TInputFile&&) noexcept = default;
 TInputFile::~TInputFile() = default;
 
 TInputFile TInputFile::Open(TextView path) {
-  TFileHandle handle(::CreateFileW(Wide(UnicodeString(path)), GENERIC_READ, FILE_SHARE_READ, nullptr,
+  TFileHandle handle(::CreateFileW(Wide(SystemPath(path)), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!handle) return {};
+  const HANDLE raw = handle.Get();
+  return TInputFile(std::make_unique<TImpl>(TImpl{std::move(handle), raw}));
+}
+
+TInputFile TInputFile::OpenShared(TextView path) {
+  TFileHandle handle(::CreateFileW(Wide(SystemPath(path)), GENERIC_READ,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                   OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+  if (!handle) throw LastInputOutputError();
   const HANDLE raw = handle.Get();
   return TInputFile(std::make_unique<TImpl>(TImpl{std::move(handle), raw}));
 }
@@ -72,10 +138,56 @@ TInputFile TInputFile::StandardInput() {
 
 std::size_t TInputFile::Read(std::span<char> buffer) {
   DWORD count = 0;
-  const auto size =
-      static_cast<DWORD>(std::min<std::size_t>(buffer.size(), std::numeric_limits<DWORD>::max()));
-  if (::ReadFile(fImpl->Handle, buffer.data(), size, &count, nullptr)) return count;
+  if (::ReadFile(fImpl->Handle, buffer.data(), ClampedSize(buffer.size()), &count, nullptr)) return count;
   const DWORD error = ::GetLastError();
   if (error == ERROR_BROKEN_PIPE) return 0;  // the writer has closed its end: that is the end of the file
   throw InputOutputError(static_cast<std::int32_t>(error));
+}
+
+TInputFile::TState TInputFile::State() const {
+  BY_HANDLE_FILE_INFORMATION information{};
+  if (!::GetFileInformationByHandle(fImpl->Handle, &information)) throw LastInputOutputError();
+  return {Joined(information.nFileSizeHigh, information.nFileSizeLow),
+          LocalTime(information.ftLastWriteTime)};
+}
+
+struct TOutputFile::TImpl {
+  TFileHandle Handle;
+  std::uint64_t End = 0;
+
+  void Write(std::uint64_t position, std::span<const char> bytes) {
+    while (!bytes.empty()) {
+      OVERLAPPED place{};
+      place.Offset = static_cast<DWORD>(position);
+      place.OffsetHigh = static_cast<DWORD>(position >> 32);
+      DWORD count = 0;
+      if (!::WriteFile(Handle.Get(), bytes.data(), ClampedSize(bytes.size()), &count, &place))
+        throw LastInputOutputError();
+      bytes = bytes.subspan(count);
+      position += count;
+    }
+  }
+};
+
+TOutputFile::TOutputFile(TextView path, TCreate how) : fImpl(std::make_unique<TImpl>()) {
+  fImpl->Handle = TFileHandle(::CreateFileW(Wide(SystemPath(path)), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                            how == TCreate::New ? CREATE_NEW : CREATE_ALWAYS,
+                                            FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!fImpl->Handle) throw LastInputOutputError();
+}
+TOutputFile::TOutputFile(TOutputFile&&) noexcept = default;
+TOutputFile& TOutputFile::operator=(TOutputFile&&) noexcept = default;
+TOutputFile::~TOutputFile() = default;
+
+void TOutputFile::Write(std::span<const char> bytes) {
+  fImpl->Write(fImpl->End, bytes);
+  fImpl->End += bytes.size();
+}
+
+void TOutputFile::WriteAt(std::uint64_t position, std::span<const char> bytes) {
+  fImpl->Write(position, bytes);
+}
+
+void TOutputFile::Close() {
+  if (!CloseChecked(fImpl->Handle)) throw LastInputOutputError();
 }

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <string>
+
 #include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/System.h"
@@ -42,6 +46,57 @@ TEST(FilesContract, FoldersAreCreatedWithTheirParents) {
   EXPECT_TRUE(CreateFolders(folder)) << "one that is there";
   EXPECT_FALSE(TInputFile::Open(folder).IsOpen()) << "a folder is no file";
   EXPECT_FALSE(TInputFile::Open(folder + u"\\fehlt.txt").IsOpen());
+}
+
+TEST(FilesContract, FilesAreWrittenListedAndRead) {
+  // Longer than 260 characters, with each of its parts short.
+  UnicodeString folder = EnvironmentVariable(u"TEMP") + u"\\Schreiben";
+  for (int i = 0; i < 6; ++i) folder += u"\\" + UnicodeString(50, u'ä');
+  ASSERT_TRUE(CreateFolders(folder + u"\\Unterordner"));
+  const UnicodeString path = folder + u"\\Öl.txt";
+
+  TOutputFile file(path, TCreate::Replace);
+  file.Write(std::string("0123456789"));
+  file.WriteAt(3, std::string("DEF"));
+  file.Write(std::string("ab"));
+  file.Close();
+  EXPECT_THROW(TOutputFile(path, TCreate::New), EError) << "it is there";
+
+  std::vector<TFolderEntry> entries = ListFolder(folder);
+  std::ranges::sort(entries, {}, &TFolderEntry::Name);
+  ASSERT_EQ(entries.size(), 2U);
+  EXPECT_EQ(entries[0].Name, u"Unterordner");
+  EXPECT_EQ(entries[0].Kind, TEntryKind::Folder);
+  EXPECT_EQ(entries[1].Name, u"Öl.txt");
+  EXPECT_EQ(entries[1].Kind, TEntryKind::File);
+  EXPECT_EQ(entries[1].Size, 12U);
+
+  TInputFile input = TInputFile::OpenShared(path);
+  const TInputFile::TState state = input.State();
+  EXPECT_EQ(state.Size, 12U);
+  EXPECT_GE(state.Modified.Year, 2024);
+  EXPECT_EQ(state.Modified.Minute, entries[1].Modified.Minute);
+  TOutputFile(path, TCreate::Replace).Write(std::string("neu"));
+  std::string bytes(20, ' ');
+  bytes.resize(input.Read(bytes));
+  EXPECT_EQ(bytes, "neu") << "others may write what is open for shared reading";
+}
+
+TEST(FilesContract, ErrorsCarryTheSystemsCode) {
+  const UnicodeString missing = EnvironmentVariable(u"TEMP") + u"\\fehlt";
+  const auto codeOf = [](const std::function<void()>& action) {
+    try {
+      action();
+    } catch (const EError& error) {
+      EXPECT_EQ(error.Kind(), TErrorKind::InputOutput);
+      return error.Code();
+    }
+    return 0;
+  };
+  EXPECT_EQ(codeOf([&] { TInputFile::OpenShared(missing); }), 2);
+  EXPECT_NE(codeOf([&] { TInputFile::OpenShared(EnvironmentVariable(u"TEMP")); }), 0) << "a folder";
+  EXPECT_NE(codeOf([&] { ListFolder(missing); }), 0);
+  EXPECT_NE(codeOf([&] { TOutputFile(missing + u"\\a", TCreate::Replace); }), 0);
 }
 
 TEST(SystemContract, MissingThingsGiveTheirDefaults) {

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Usage: bench-packing.sh [RUNS]   measures the packing of folders against other packers (default 5 runs each)
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+runs=${1:-5}
+case $runs in
+    '' | *[!0-9]*)
+        sed -n 2p "$0" >&2
+        exit 2
+        ;;
+esac
+echo "bench-packing.sh: measuring the packing of folders"
+"$root/scripts/packages.sh" bench packing
+"$root/scripts/build.sh" bench pack_folder
+
+bench=$root/build/bench/packing
+mixes=$root/scripts/packing/mixes.py
+if ! cmp -s "$mixes" "$bench/mixes.stamp"; then
+    echo "bench-packing.sh: making the mixes (half a minute)"
+    rm -rf "$bench"
+    mkdir -p "$bench"
+    python3 "$mixes" "$bench/mixes"
+    cp "$mixes" "$bench/mixes.stamp"
+fi
+
+# On one core, and ahead of all other work on the machine where that is permitted.
+first=(taskset -c 0)
+if chrt -r 5 true 2>/dev/null; then
+    first+=(chrt -r 5)
+fi
+echo "bench-packing.sh: load before: $(cut -d' ' -f1-3 /proc/loadavg), started by: ${first[*]}"
+"${first[@]}" python3 "$root/scripts/packing/measure.py" "$root/build/bench/pack_folder" "$bench" "$runs"
+echo "bench-packing.sh: load after: $(cut -d' ' -f1-3 /proc/loadavg)"

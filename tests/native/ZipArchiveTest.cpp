@@ -1,0 +1,267 @@
+#include "export/ZipArchive.h"
+
+#include <sys/resource.h>
+#include <zlib.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <random>
+
+#include "export/ArchiveFile.h"
+#include "export/PackedStream.h"
+#include "export/ZipRecords.h"
+#include "platform/Error.h"
+#include "tests/support/TestMachine.h"
+
+namespace {
+
+/// Data by a recipe of letters and sizes: r random, t text, z zeros, b the bytes that stand so far back once
+/// more.
+class TRecipe {
+ public:
+  struct TPart {
+    char Kind;
+    std::size_t Size;
+    std::size_t Back = 0;
+  };
+
+  std::string Data(const std::vector<TPart>& parts) {
+    std::string data;
+    for (const TPart& part : parts) {
+      for (std::size_t i = 0; i < part.Size; ++i) data += Next(part, data);
+    }
+    return data;
+  }
+  std::size_t Number(std::size_t below) { return fRandom() % below; }
+
+ private:
+  char Next(const TPart& part, const std::string& data) {
+    switch (part.Kind) {
+      case 'r':
+        return static_cast<char>(fRandom());
+      case 't':
+        return "0123456789.,#=()' CARTESIAN_POINT"[fRandom() % 33];
+      case 'b':
+        return data.at(data.size() - part.Back);
+      default:
+        return '\0';
+    }
+  }
+
+  std::mt19937 fRandom{20240315};
+};
+
+class ZipArchiveTest : public TMachineTest {
+ protected:
+  /// The packed stream of `data`, handed over in blocks of the given size.
+  static std::string Packed(std::string_view data, std::size_t block) {
+    std::filesystem::remove(headless::HostPath(u"C:\\Strom"));
+    TArchiveFile file(u"C:\\Strom");
+    TPackedStream stream(file);
+    for (const std::string_view content : {std::string_view("another entry"), data}) {
+      stream.Begin();
+      for (std::size_t i = 0; i < content.size(); i += block) {
+        const std::size_t count = content.copy(stream.Room().data(), block, i);
+        stream.Pack(count);
+      }
+      stream.Finish();
+      if (content != data) fBegin = file.Position();
+    }
+    file.Close();
+    return ReadFile(u"C:\\Strom").substr(fBegin);
+  }
+
+  static std::string Unpacked(std::string packed, std::size_t size) {
+    std::string data(size + 1, '\xAA');
+    z_stream stream{};
+    EXPECT_EQ(inflateInit2(&stream, -MAX_WBITS), Z_OK);
+    stream.next_in = reinterpret_cast<unsigned char*>(packed.data());
+    stream.avail_in = static_cast<uInt>(packed.size());
+    stream.next_out = reinterpret_cast<unsigned char*>(data.data());
+    stream.avail_out = static_cast<uInt>(data.size());
+    EXPECT_EQ(inflate(&stream, Z_FINISH), Z_STREAM_END);
+    EXPECT_EQ(stream.avail_in, 0U) << "nothing stands behind the stream";
+    data.resize(stream.total_out);
+    inflateEnd(&stream);
+    return data;
+  }
+
+  /// Compares the archive with a folder in several readers; `names` are its entries in their order.
+  static void CheckByReaders(TextView archive, TextView folder, const std::string& names) {
+    WriteFile(u"C:\\Namen.txt", names);
+    const auto quoted = [](TextView path) { return " '" + headless::HostPath(path).string() + "'"; };
+    const std::string command = "python3 " VELMORA_SOURCE "/scripts/packing/check.py" + quoted(archive) +
+                                quoted(folder) + quoted(u"C:\\Namen.txt") + " >&2";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+  }
+
+  static std::int32_t ErrorOf(const std::function<void()>& action) {
+    try {
+      action();
+    } catch (const EError& error) {
+      EXPECT_EQ(error.Kind(), TErrorKind::InputOutput);
+      return error.Code();
+    }
+    return 0;
+  }
+
+ private:
+  static inline std::size_t fBegin = 0;
+};
+
+}  // namespace
+
+TEST_F(ZipArchiveTest, StreamsGiveBackWhatWasPacked) {
+  struct {
+    std::vector<TRecipe::TPart> Parts;
+    std::size_t Most;  ///< bytes of the stream
+  } const cases[] = {
+      {{}, 2},
+      {{{'t', 1}}, 8},
+      {{{'r', 1}}, 8},
+      {{{'r', 4096}}, 4110},
+      {{{'r', 65'536}}, 65'550},
+      {{{'r', 300'001}}, 300'050},
+      {{{'z', 300'001}}, 500},
+      {{{'t', 20'000}, {'r', 8192}, {'b', 20'000, 28'192}}, 40'000},          // a repeat across a stored run
+      {{{'t', 4097}, {'r', 27'903}, {'b', 32'000, 32'000}}, 31'500},          // at the window's far end
+      {{{'r', 20'000}, {'b', 20'000, 20'000}}, 22'000},                       // random, but twice
+      {{{'r', 30'001}, {'b', 120'000, 30'001}}, 34'000},                      // and often
+      {{{'r', 100'000}, {'z', 3000}, {'r', 100'000}, {'z', 3000}}, 201'500},  // padding between
+      {{{'t', 100'000}, {'r', 100}, {'t', 100'000}, {'r', 5000}, {'t', 1}}, 145'000},
+  };
+  TRecipe recipe;
+  for (const auto& test : cases) {
+    const std::string data = recipe.Data(test.Parts);
+    for (const std::size_t block : {1000U, 4096U, 61'440U}) {
+      SCOPED_TRACE(testing::Message() << "case " << &test - cases << ", blocks of " << block);
+      const std::string packed = Packed(data, block);
+      EXPECT_TRUE(Unpacked(packed, data.size()) == data);
+      if (block < 61'440) continue;
+      EXPECT_LE(packed.size(), test.Most);
+    }
+  }
+  for (int run = 0; run < 60; ++run) {
+    std::vector<TRecipe::TPart> parts{{'t', 1}};
+    for (std::size_t i = recipe.Number(12); i > 0; --i) {
+      parts.push_back({"rtzb"[recipe.Number(4)], recipe.Number(20'000), 1});
+    }
+    std::size_t before = 0;
+    for (TRecipe::TPart& part : parts) {
+      if (part.Kind == 'b') part.Back = 1 + recipe.Number(before);
+      before += part.Size;
+    }
+    const std::string data = recipe.Data(parts);
+    EXPECT_TRUE(Unpacked(Packed(data, 1 + recipe.Number(61'440)), data.size()) == data) << "run " << run;
+  }
+}
+
+TEST_F(ZipArchiveTest, ReadersFindTheFolderInTheArchive) {
+  TRecipe recipe;
+  const std::string mixed = recipe.Data({{'r', 9999}, {'t', 70'000}, {'r', 300'000}, {'z', 5555}});
+  const TextView names[] = {u"&<>\"'%.txt", u"a.ipt",    u"a/b",      u"a/leer/",
+                            u"a0",          u"leer.txt", u"Öl ß.idw", u"\U0001F529.ipt"};
+  std::string order;
+  for (const TextView name : names) {
+    const UnicodeString path = u"C:\\Quelle\\" + UnicodeString(name);
+    if (name.ends_with(u'/')) {
+      std::filesystem::create_directories(headless::HostPath(path));
+    } else {
+      WriteFile(path, name == u"leer.txt" ? "" : mixed.substr(recipe.Number(9000)));
+    }
+    order += Utf8FromText(name) + "\n";
+  }
+  const auto link = [](const char* target, TextView name) {
+    std::filesystem::create_symlink(target, headless::HostPath(name));
+  };
+  link("..", u"C:\\Quelle\\kreis");
+  link("a.ipt", u"C:\\Quelle\\a\\leer\\verweis");
+
+  TZipArchive archive(u"C:\\Archiv.zip");
+  archive.AddContents(u"C:\\Quelle");
+  archive.Close();
+  std::filesystem::remove(headless::HostPath(u"C:\\Quelle\\kreis"));
+  std::filesystem::remove(headless::HostPath(u"C:\\Quelle\\a\\leer\\verweis"));
+  CheckByReaders(u"C:\\Archiv.zip", u"C:\\Quelle", order);
+}
+
+TEST_F(ZipArchiveTest, AFileMayChangeItsSizeWhileItIsRead) {
+  TRecipe recipe;
+  const std::string data = recipe.Data({{'r', 400'000}, {'t', 400'000}});
+  for (const std::size_t size : {300'000U, 900'000U}) {
+    WriteFile(u"C:\\Quelle\\a", data);
+    const std::filesystem::path host = headless::HostPath(u"C:\\Quelle\\a");
+    const auto modified = std::filesystem::last_write_time(host);
+    std::filesystem::remove(headless::HostPath(u"C:\\Archiv.zip"));
+    int blocks = 0;
+    TZipArchive archive(u"C:\\Archiv.zip", [&] {
+      if (++blocks == 1) std::filesystem::resize_file(host, size);
+    });
+    archive.AddContents(u"C:\\Quelle");
+    archive.Close();
+    EXPECT_GE(blocks, 2);
+    WriteFile(u"C:\\Quelle\\a", data.substr(0, size));
+    std::filesystem::last_write_time(host, modified);
+    CheckByReaders(u"C:\\Archiv.zip", u"C:\\Quelle", "a\n");
+  }
+}
+
+TEST_F(ZipArchiveTest, FailuresAreReportedWithTheirCode) {
+  WriteFile(u"C:\\Quelle\\a", TRecipe().Data({{'r', 900'000}}));
+  TZipArchive archive(u"C:\\Archiv.zip");
+  EXPECT_EQ(ErrorOf([&] { archive.AddFile(u"C:\\Quelle\\fehlt", u"a"); }), 2);
+  EXPECT_EQ(ErrorOf([&] { archive.AddContents(u"C:\\fehlt"); }), 2);
+  EXPECT_EQ(ErrorOf([&] { archive.AddFile(u"C:\\Quelle\\a", UnicodeString(32'768, u'ä')); }),
+            kInvalidFileName);
+  EXPECT_EQ(ErrorOf([] { TZipArchive(u"C:\\Archiv.zip"); }), EEXIST);
+
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit full{500'000, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &full);
+  EXPECT_EQ(ErrorOf([&] { archive.AddFile(u"C:\\Quelle\\a", u"a"); }), EFBIG);
+  setrlimit(RLIMIT_FSIZE, &before);
+}
+
+TEST(ZipRecordsTest, TheLongFormIsUsedWhereANumberDoesNotFit) {
+  constexpr std::uint64_t kMost = 0xFFFFFFFE;
+  struct {
+    std::uint64_t Packed, Size, Position;
+    bool Long;
+    std::size_t Local, Directory;  ///< lengths
+  } const entries[] = {
+      {kMost, kMost, kMost, false, 31, 47},
+      {9, kMost + 1, 9, true, 51, 59},
+      {kMost + 1, kMost + 1, 9, true, 51, 67},
+      {9, 9, kMost + 1, false, 31, 59},
+  };
+  for (const auto& test : entries) {
+    const TZipEntry entry{"a", {}, 0, test.Packed, test.Size, test.Position, test.Long};
+    EXPECT_EQ(zip_records::LocalHeader(entry).size(), test.Local);
+    EXPECT_EQ(zip_records::DirectoryHeader(entry).size(), test.Directory);
+  }
+  EXPECT_EQ(zip_records::DirectoryEnd(65'535, kMost, kMost).size(), 22U);
+  EXPECT_EQ(zip_records::DirectoryEnd(65'536, 0, 0).size(), 98U);
+  EXPECT_EQ(zip_records::DirectoryEnd(1, kMost + 1, 0).size(), 98U);
+}
+
+TEST(ZipRecordsTest, TimesAreClampedToTheFormat) {
+  struct {
+    TLocalTime Time;
+    std::uint32_t Packed;
+  } const cases[] = {
+      {{}, 0x00210000},
+      {{1979, 12, 31, 23, 59, 59}, 0x00210000},
+      {{2024, 3, 15, 13, 14, 15}, 0x586F69C7},
+      {{2107, 12, 31, 23, 59, 60}, 0xFF9FBF7D},
+      {{2108, 1, 1, 0, 0, 0}, 0xFF9FBF7D},
+  };
+  for (const auto& test : cases) {
+    const std::string header = zip_records::LocalHeader({"a", test.Time});
+    std::uint32_t packed = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+      packed |= static_cast<std::uint32_t>(static_cast<unsigned char>(header[10 + i])) << 8 * i;
+    EXPECT_EQ(packed, test.Packed) << test.Time.Year;
+  }
+}
