@@ -120,12 +120,18 @@ void TfrmExportAsm::DesignButtons() {
   btnExport.SetBounds({712, kButtonTop, 822, kButtonBottom}, kBottomRight);
   btnExport.SetCaption(u"Exportieren");
   btnExport.SetImage(TButtonImage::Export);
+  btnExport.OnClick = [this] { btnExportClick(); };
   btnAbbruch.SetBounds({830, kButtonTop, 931, kButtonBottom}, kBottomRight);
   btnAbbruch.SetCaption(u"Abbruch");
   btnAbbruch.ModalResult = TModalResult::Abort;
   btnAbbruch.OnClick = [this] { btnAbbruchClick(); };
   for (TButton* const button : {&btnExpand, &btnCollapse, &btnExport, &btnAbbruch})
     button->SetFont(kDialogFont);
+
+  SaveDialog.DefaultExt = u"*.zip";
+  // Without "*" this pattern matches no archive, so that the dialog shows none: nobody picks an old one by
+  // mistake.
+  SaveDialog.Filter = u"Zipdatei|.zip";
 
   ASMFile.SetVisible(false);
   SpeedButton1.SetVisible(false);

@@ -6,6 +6,7 @@
 #include "ui/Controls.h"
 #include "ui/Form.h"
 #include "ui/ProgressBar.h"
+#include "ui/SaveDialog.h"
 #include "ui/TreeList.h"
 
 /// The export dialog: shows the files that an assembly uses as a tree, and packs them. Reads the assembly's
@@ -33,6 +34,7 @@ class TfrmExportAsm : public TForm {
   TProgressBar cxProgressBar;
   TButton btnExport;
   TButton btnAbbruch;
+  TSaveDialog SaveDialog;
   TEdit ASMFile;
   TButton SpeedButton1;
 
@@ -42,6 +44,7 @@ class TfrmExportAsm : public TForm {
   void FormActivate();
   void FormClose();
   void btnAbbruchClick();
+  void btnExportClick();
   void btnCollapseClick();
   void btnExpandClick();
   void ASMTreeListDblClick();
@@ -57,6 +60,13 @@ class TfrmExportAsm : public TForm {
   void DesignButtons();
   /// Runs one statement on the working table, then shows the table anew.
   void ChangeWorkingTable(const UnicodeString& change, const UnicodeString& condition);
+
+  /// Packs all files of the table and a listing of the tree. Errors leave no archive under this name, but the
+  /// folder in which the files are gathered.
+  void ExportTo(const UnicodeString& archive);
+  void WriteListing(const UnicodeString& path) const;
+  void StageFiles(const UnicodeString& folder);
+  void Pack(const UnicodeString& folder, const UnicodeString& archive);
 
   bool DoCopy = true;      // what the next click on the copy column's header turns over
   UnicodeString UserN;     // end of the working table's name

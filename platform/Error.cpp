@@ -14,7 +14,7 @@ UnicodeString InputOutputText(std::int32_t code) {
       return u"Ungültiger Dateiname";
     case 4:
       return u"Zu viele geöffnete Dateien";
-    case 5:
+    case kAccessDenied:
       return u"Dateizugriff verweigert";
     case 100:
       return u"Lesen hinter dem Dateiende";

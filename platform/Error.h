@@ -38,6 +38,7 @@ class EError : public std::exception {
 
 /// Codes of the runtime's input/output errors that this program raises itself.
 constexpr std::int32_t kInvalidFileName = 3;
+constexpr std::int32_t kAccessDenied = 5;
 constexpr std::int32_t kNotOpenForInput = 104;
 
 /// An input/output error with its German text; codes without a text of their own read "E/A-Fehler <code>".

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "platform/Text.h"
 
@@ -15,6 +16,15 @@ UnicodeString ComputerName();
 
 /// A clock that only goes forward, in milliseconds; its zero means nothing.
 std::int64_t TickMilliseconds();
+
+/// Waits about so long, also where the system's own clock ticks less often.
+void WaitMilliseconds(int milliseconds);
+
+/// The folder for short-lived files, with a separator at its end.
+UnicodeString TemporaryFolder();
+
+/// The user's desktop; nothing when the shell cannot tell.
+std::optional<UnicodeString> DesktopFolder();
 
 /// The system's text for an error code or HRESULT in the user's language, without the line break and blanks
 /// at its end. A code without a text gives "Systemfehler" and its hexadecimal digits.

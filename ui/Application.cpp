@@ -61,9 +61,9 @@ void TApplication::Forget(const TForm& form) noexcept {
   if (fActiveForm == &form) fActiveForm = nullptr;
 }
 
-void TApplication::MessageBox(TextView text, TBoxIcon icon) {
+void TApplication::MessageBox(TextView text, TBoxIcon icon, TextView caption) {
   const TForm* owner = fActiveForm != nullptr ? fActiveForm : fMainForm;
-  ShowMessageBox(owner != nullptr ? &owner->Window() : nullptr, text, fTitle, icon);
+  ShowMessageBox(owner != nullptr ? &owner->Window() : nullptr, text, caption, icon);
 }
 
 void TApplication::HandleException() noexcept {

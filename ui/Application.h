@@ -34,7 +34,8 @@ class TApplication {
   bool Busy() const noexcept { return fBusy > 0; }
 
   /// A box with the button OK and the program's title, above the active form.
-  void MessageBox(TextView text, TBoxIcon icon = TBoxIcon::None);
+  void MessageBox(TextView text, TBoxIcon icon = TBoxIcon::None) { MessageBox(text, icon, fTitle); }
+  void MessageBox(TextView text, TBoxIcon icon, TextView caption);
 
   /// The default handling of an error, to be called in a catch block: its text in a box with the error icon.
   /// A program that is already ending shows nothing more.

@@ -98,6 +98,7 @@ class TTreeList : public TControl {
   /// default handling.
   void BeginUpdate();
   void EndUpdate() noexcept;
+  bool Updating() const noexcept { return fUpdates > 0; }
 
   void FullExpand();
   void FullCollapse();
@@ -118,7 +119,6 @@ class TTreeList : public TControl {
   void LetGo() noexcept;
   void MoveCursor();
 
-  bool Updating() const noexcept { return fUpdates > 0; }
   template <class TChange>
   void Perform(bool reveal, TChange&& change);
   void ShowColumns();

@@ -28,6 +28,8 @@ struct TMachine {
   UnicodeString CommandLine;
   std::map<UnicodeString, UnicodeString, std::less<>> Environment;
   UnicodeString ComputerName = u"PC-01";
+  std::optional<UnicodeString> DesktopFolder =
+      u"C:\\Users\\Größe\\Desktop";          ///< nothing: the shell cannot tell
   std::optional<std::string> StandardInput;  ///< nothing: the process has none
 
   std::vector<TDesktopWindow*> ZOrder;  ///< topmost first; not owned
@@ -45,6 +47,9 @@ struct TMachine {
   /// never.
   std::deque<std::optional<int>> PressOkAfter;
 
+  /// For each save dialog in turn: the name that the user chooses; nothing, or a deque that has run out: he
+  /// cancels.
+  std::deque<std::optional<UnicodeString>> SaveAnswers;
   /// What the user does while a dialog is open, one after the other.
   std::deque<std::function<void()>> UserActions;
 

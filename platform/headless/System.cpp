@@ -61,6 +61,18 @@ std::int64_t TickMilliseconds() {
   return Machine().Now;
 }
 
+void WaitMilliseconds(int milliseconds) {
+  Machine().Now += milliseconds;
+}
+
+UnicodeString TemporaryFolder() {
+  return EnvironmentVariable(u"TEMP") + u"\\";
+}
+
+std::optional<UnicodeString> DesktopFolder() {
+  return Machine().DesktopFolder;
+}
+
 UnicodeString SystemErrorText(std::int32_t code) {
   switch (code) {
     case kNoInterface:

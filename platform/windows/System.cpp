@@ -1,7 +1,12 @@
 #include "platform/System.h"
 
+#include <windows.h>
+
+#include <shlobj.h>
+
 #include <array>
 
+#include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 
 namespace {
@@ -35,6 +40,56 @@ UnicodeString ComputerName() {
 
 std::int64_t TickMilliseconds() {
   return static_cast<std::int64_t>(::GetTickCount64());
+}
+
+void WaitMilliseconds(int milliseconds) {
+  constexpr LONGLONG kUnitsPerMillisecond = 10'000;
+  // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION, in Windows since 10.1803; older headers lack it.
+  constexpr DWORD kHighResolution = 2;
+  static const TTimerHandle timer(
+      ::CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS));
+  LARGE_INTEGER due{};
+  due.QuadPart = -milliseconds * kUnitsPerMillisecond;
+  if (timer && ::SetWaitableTimer(timer.Get(), &due, 0, nullptr, nullptr, FALSE)) {
+    ::WaitForSingleObject(timer.Get(), INFINITE);
+    return;
+  }
+  LARGE_INTEGER frequency{};
+  LARGE_INTEGER now{};
+  ::QueryPerformanceFrequency(&frequency);
+  ::QueryPerformanceCounter(&now);
+  const LONGLONG end = now.QuadPart + milliseconds * frequency.QuadPart / 1000;
+  while (now.QuadPart < end) {
+    ::SwitchToThread();
+    ::QueryPerformanceCounter(&now);
+  }
+}
+
+UnicodeString TemporaryFolder() {
+  UnicodeString folder(MAX_PATH + 1, u'\0');
+  folder.resize(::GetTempPathW(static_cast<DWORD>(folder.size()), WideBuffer(folder)));
+  return folder;
+}
+
+/// Through the shell's own memory, as its calls for special folders demand. The shell is loaded here and not
+/// with the program, whose other tasks do not need it.
+std::optional<UnicodeString> DesktopFolder() {
+  const HMODULE shell = ::LoadLibraryExW(L"shell32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+  if (shell == nullptr) return std::nullopt;
+  const auto find = [shell]<class TFunction>(const char* name, TFunction*) {
+    return reinterpret_cast<TFunction*>(reinterpret_cast<void*>(::GetProcAddress(shell, name)));
+  };
+  const auto getMalloc = find("SHGetMalloc", &::SHGetMalloc);
+  const auto getLocation = find("SHGetSpecialFolderLocation", &::SHGetSpecialFolderLocation);
+  const auto getPath = find("SHGetPathFromIDListW", &::SHGetPathFromIDListW);
+  TComReference<IMalloc> memory;
+  if (getMalloc == nullptr || FAILED(memory.ReceiveFrom(getMalloc))) return std::nullopt;
+  LPITEMIDLIST item = nullptr;
+  if (getLocation == nullptr || FAILED(getLocation(nullptr, CSIDL_DESKTOP, &item))) return std::nullopt;
+  std::array<wchar_t, MAX_PATH> path{};
+  if (getPath == nullptr || !getPath(item, path.data())) path[0] = L'\0';
+  memory->Free(item);
+  return UnicodeString(FromWide(path.data()));
 }
 
 UnicodeString SystemErrorText(std::int32_t code) {

@@ -24,3 +24,33 @@ struct TFindHandleTraits {
   static void Close(THandle handle) noexcept { ::FindClose(handle); }
 };
 using TFindHandle = TUniqueHandle<TFindHandleTraits>;
+
+struct TTimerHandleTraits {
+  using THandle = HANDLE;
+  static THandle None() noexcept { return nullptr; }
+  static void Close(THandle handle) noexcept { ::CloseHandle(handle); }
+};
+using TTimerHandle = TUniqueHandle<TTimerHandleTraits>;
+
+/// One counted reference to an object of the system.
+template <class T>
+struct TComTraits {
+  using THandle = T*;
+  static THandle None() noexcept { return nullptr; }
+  static void Close(THandle handle) noexcept { handle->Release(); }
+};
+
+template <class T>
+class TComReference : public TUniqueHandle<TComTraits<T>> {
+ public:
+  T* operator->() const noexcept { return this->Get(); }
+
+  /// Runs a call that answers with a reference, which is then owned here.
+  template <class TCall>
+  HRESULT ReceiveFrom(TCall&& call) {
+    T* object = nullptr;
+    const HRESULT result = call(&object);
+    this->Reset(object);
+    return result;
+  }
+};

@@ -1,0 +1,52 @@
+#include "export/StagingFolder.h"
+
+#include "platform/Error.h"
+#include "platform/FileOperations.h"
+#include "platform/Files.h"
+#include "platform/Path.h"
+#include "platform/System.h"
+#include "ui/MessageLoop.h"
+
+namespace {
+
+EError Refusal(TextView folder, TextView reason) {
+  UnicodeString message = u"Der Ordner \"";
+  message.append(folder).append(u"\" kann nicht für den Export verwendet werden: ").append(reason);
+  return {TErrorKind::InputOutput, kAccessDenied, std::move(message)};
+}
+
+/// Both normalised.
+bool LiesIn(TextView path, TextView folder) {
+  return path.size() > folder.size() && path[folder.size()] == u'\\' &&
+         SameText(path.substr(0, folder.size()), folder);
+}
+
+/// Both normalised: in the folder itself, not deeper.
+bool IsChildOf(TextView path, TextView folder) {
+  return LiesIn(path, folder) && path.find_first_of(u"\\:", folder.size() + 1) == TextView::npos;
+}
+
+}  // namespace
+
+UnicodeString StagingFolder(TextView fileName) {
+  return TemporaryFolder().append(fileName) + u"\\";
+}
+
+void CheckStagingFolder(TextView folder, TextView archive, TQuery& files) {
+  const UnicodeString own = NormalisedPath(folder);
+  if (!IsChildOf(own, NormalisedPath(TemporaryFolder()))) {
+    throw Refusal(folder, u"Er liegt nicht unmittelbar im temporären Ordner.");
+  }
+  if (IsLink(own)) throw Refusal(folder, u"Er ist eine Verknüpfung.");
+  if (LiesIn(NormalisedPath(archive), own)) throw Refusal(folder, u"Das Archiv soll darin liegen.");
+  const TField file = files.Field(u"Filename");
+  for (files.First(); !files.Eof(); files.Next()) {
+    const UnicodeString name = file.AsText();
+    if (LiesIn(NormalisedPath(name), own)) throw Refusal(folder, u"Die Datei \"" + name + u"\" liegt darin.");
+  }
+}
+
+void StageFile(TextView file, TextView folder) {
+  if (!FileExists(file)) return;
+  CopyFileOver(file, UnicodeString(folder).append(FileNameWithoutFolder(file)), [] { KeepAlive(); });
+}

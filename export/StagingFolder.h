@@ -1,0 +1,20 @@
+#pragma once
+
+#include "database/Query.h"
+#include "platform/Text.h"
+
+// The folder in which the files of an archive are gathered. It is removed with all that is in it, so nothing
+// of the user's may ever lie there.
+
+/// The folder for the assembly `fileName`, below the folder for short-lived files, with a separator at its
+/// end.
+UnicodeString StagingFolder(TextView fileName);
+
+/// Throws EError of kind InputOutput, with a text for the user, when `folder` must not be used: it is no
+/// child of the folder for short-lived files or a link, or a file of the working table or `archive` lies in
+/// it. Looks only.
+void CheckStagingFolder(TextView folder, TextView archive, TQuery& files);
+
+/// Copies the file to the folder, over one of its name. A file that is missing or fails is left out: the
+/// listing tells of it, and one lost file must not keep a supplier from the others.
+void StageFile(TextView file, TextView folder);

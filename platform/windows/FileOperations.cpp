@@ -1,0 +1,108 @@
+#include "platform/FileOperations.h"
+
+#include <windows.h>
+
+#include "platform/Error.h"
+#include "platform/windows/SystemHandles.h"
+#include "platform/windows/SystemPath.h"
+
+namespace {
+
+EError LastInputOutputError() {
+  return InputOutputError(static_cast<std::int32_t>(::GetLastError()));
+}
+
+DWORD CALLBACK CopyProgress(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, DWORD, DWORD, HANDLE,
+                            HANDLE, void* onBlock) {
+  (*static_cast<const std::function<void()>*>(onBlock))();
+  return PROGRESS_CONTINUE;
+}
+
+void AllowWriting(const UnicodeString& systemPath) {
+  ::SetFileAttributesW(Wide(systemPath), FILE_ATTRIBUTE_NORMAL);
+}
+
+/// A system function that fills a text of any length: `call(buffer, size)` gives the length, or the size that
+/// it needs.
+template <class TCall>
+UnicodeString Filled(TCall&& call) {
+  UnicodeString text(MAX_PATH, u'\0');
+  DWORD length = call(WideBuffer(text), static_cast<DWORD>(text.size()));
+  if (length > text.size()) {
+    text.resize(length);
+    length = call(WideBuffer(text), static_cast<DWORD>(text.size()));
+  }
+  text.resize(length <= text.size() ? length : 0);
+  return text;
+}
+
+/// Everything in the folder, or as much of it as lets itself be removed.
+void RemoveContents(const UnicodeString& folder) {
+  WIN32_FIND_DATAW found{};
+  const TFindHandle search(::FindFirstFileW(Wide(folder + u"\\*"), &found));
+  if (!search) return;
+  do {
+    const UnicodeString name(FromWide(found.cFileName));
+    if (name == u"." || name == u"..") continue;
+    const UnicodeString path = folder + u"\\" + name;
+    const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const bool isLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0 && !isLink) AllowWriting(path);
+    if (isFolder && !isLink) RemoveContents(path);
+    isFolder ? ::RemoveDirectoryW(Wide(path)) : ::DeleteFileW(Wide(path));
+  } while (::FindNextFileW(search.Get(), &found));
+}
+
+}  // namespace
+
+UnicodeString NormalisedPath(TextView path) {
+  const UnicodeString name(path);
+  UnicodeString full = Filled(
+      [&name](wchar_t* buffer, DWORD size) { return ::GetFullPathNameW(Wide(name), size, buffer, nullptr); });
+  if (full.find(u'~') != UnicodeString::npos) {
+    const UnicodeString longName =
+        Filled([&full](wchar_t* buffer, DWORD size) { return ::GetLongPathNameW(Wide(full), buffer, size); });
+    if (!longName.empty()) full = longName;
+  }
+  while (full.ends_with(u'\\')) full.pop_back();
+  return full;
+}
+
+bool IsLink(TextView path) {
+  const DWORD attributes = ::GetFileAttributesW(Wide(SystemPath(path)));
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlock) {
+  const UnicodeString source = SystemPath(from);
+  const UnicodeString target = SystemPath(to);
+  if (IsLink(to)) ::DeleteFileW(Wide(target));
+  const auto copy = [&] {
+    return ::CopyFileExW(Wide(source), Wide(target), CopyProgress,
+                         const_cast<std::function<void()>*>(&onBlock), nullptr, 0) != 0;
+  };
+  if (copy()) return true;
+  if (::GetLastError() != ERROR_ACCESS_DENIED) return false;
+  // The copy before it has taken the write protection over from its source.
+  AllowWriting(target);
+  return copy();
+}
+
+void RemoveFile(TextView path) {
+  if (!::DeleteFileW(Wide(SystemPath(path)))) throw LastInputOutputError();
+}
+
+void RenameFile(TextView from, TextView to) {
+  if (!::MoveFileExW(Wide(SystemPath(from)), Wide(SystemPath(to)), MOVEFILE_REPLACE_EXISTING)) {
+    throw LastInputOutputError();
+  }
+}
+
+void RemoveFolder(TextView path) noexcept {
+  try {
+    const UnicodeString folder = SystemPath(path);
+    if (!IsLink(path)) RemoveContents(folder);
+    ::RemoveDirectoryW(Wide(folder));
+  } catch (...) {  // no memory for a name: the rest stays
+  }
+}

@@ -1,0 +1,17 @@
+#include "platform/headless/Machine.h"
+#include "ui/NativeSaveDialog.h"
+
+std::optional<UnicodeString> AskForSaveName(const TNativeWindow&, const TSaveRequest& request) {
+  headless::TMachine& machine = headless::Machine();
+  std::string filters;
+  for (const TFileFilter& filter : request.Filters) {
+    filters += " " + Utf8FromText(filter.Description) + "=" + Utf8FromText(filter.Pattern);
+  }
+  machine.Record("save dialog \"" + Utf8FromText(request.Title) + "\" " + Utf8FromText(request.Folder) +
+                 " | " + Utf8FromText(request.FileName) + " |" + filters + " | " +
+                 Utf8FromText(request.Extension));
+  if (machine.SaveAnswers.empty()) return std::nullopt;
+  const std::optional<UnicodeString> answer = machine.SaveAnswers.front();
+  machine.SaveAnswers.pop_front();
+  return answer;
+}
