@@ -34,12 +34,13 @@ struct TSpread {
 /// in the measure of the chi-squared test: about 255 for random bytes, whatever their number.
 TSpread Spread(std::span<const unsigned char> unit) noexcept {
   // Four tables: with one, a row of equal bytes makes every step wait for the one before. Half of the bytes
-  // are as good as all: sixteen are counted, sixteen are not, so that no column of a table of numbers is
-  // passed over.
+  // are as good as all; the step is odd, so that no column of a table of numbers is passed over.
+  constexpr std::size_t kCounted = 16;
+  constexpr std::size_t kStep = 31;
   std::array<std::array<std::uint16_t, 256>, 4> counts{};
   std::size_t counted = 0;
-  for (std::size_t begin = 0; begin < unit.size(); begin += 32) {
-    const std::size_t end = std::min(begin + 16, unit.size());
+  for (std::size_t begin = 0; begin < unit.size(); begin += kStep) {
+    const std::size_t end = std::min(begin + kCounted, unit.size());
     counted += end - begin;
     std::size_t i = begin;
     for (; i + 4 <= end; i += 4) {

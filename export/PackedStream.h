@@ -20,6 +20,7 @@ class TPackedStream {
   TPackedStream& operator=(const TPackedStream&) = delete;
   ~TPackedStream();
 
+  /// Begins an entry's stream; then come any number of times Room and Pack, and Finish.
   void Begin();
   /// Where the next block is read into. Valid until Pack.
   std::span<char> Room() noexcept;
@@ -32,7 +33,6 @@ class TPackedStream {
   struct TDeflateEnd {
     void operator()(z_stream_s* stream) const noexcept;
   };
-
   using TBytes = std::span<const unsigned char>;
 
   void PackRun(TBytes run);

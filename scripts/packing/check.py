@@ -20,10 +20,15 @@ kUnpackers = (
 
 
 def Tree(folder):
-    """Every file and every empty folder below `folder`."""
+    """Every file and every empty folder below `folder`. Links do not count."""
     for path in folder.rglob("*"):
-        if not path.is_dir() or not any(path.iterdir()):
-            yield path.relative_to(folder).as_posix() + ("/" if path.is_dir() else "")
+        name = path.relative_to(folder).as_posix()
+        if path.is_symlink():
+            continue
+        if not path.is_dir():
+            yield name
+        elif all(child.is_symlink() for child in path.iterdir()):
+            yield name + "/"
 
 
 def SameBytes(stream, path):
