@@ -178,17 +178,7 @@ void TTreeList::QueryChanged(TQueryChange change) {
 void TTreeList::Bind(std::size_t currentRecord) {
   try {
     fModel.Clear();
-    const TField key = fQuery->Field(KeyField);
-    const TField parent = fQuery->Field(ParentField);
-    std::optional<TField> image;
-    if (!ImageField.empty()) image.emplace(fQuery->Field(ImageField));
-    std::vector<TTreeRow> rows;
-    rows.reserve(fQuery->RowCount());
-    for (fQuery->First(); !fQuery->Eof(); fQuery->Next()) {
-      const std::int64_t index = image ? image->AsInteger() : kNoImage;
-      rows.push_back({key.AsInteger(), parent.AsInteger(), static_cast<std::int32_t>(index)});
-    }
-    fModel.Attach(rows, RootValue);
+    AttachRows(fModel);
     const std::size_t node = fModel.NodeOf(currentRecord);
     if (node != TTreeListModel::kNone) fModel.MakeCurrent(node);
     MoveCursor();
@@ -198,6 +188,21 @@ void TTreeList::Bind(std::size_t currentRecord) {
   }
   ShowLines();
   ShowCurrent();
+}
+
+/// Leaves the query's cursor at the end.
+void TTreeList::AttachRows(TTreeListModel& model) const {
+  const TField key = fQuery->Field(KeyField);
+  const TField parent = fQuery->Field(ParentField);
+  std::optional<TField> image;
+  if (!ImageField.empty()) image.emplace(fQuery->Field(ImageField));
+  std::vector<TTreeRow> rows;
+  rows.reserve(fQuery->RowCount());
+  for (fQuery->First(); !fQuery->Eof(); fQuery->Next()) {
+    const std::int64_t index = image ? image->AsInteger() : kNoImage;
+    rows.push_back({key.AsInteger(), parent.AsInteger(), static_cast<std::int32_t>(index)});
+  }
+  model.Attach(rows, RootValue);
 }
 
 void TTreeList::LetGo() noexcept {
@@ -347,13 +352,16 @@ TTreeListCell TTreeList::CellAt(std::size_t line, std::size_t column) {
 }
 
 void TTreeList::ForEachRow(const std::function<void(const TTreeListRow&)>& visit) const {
-  if (fModel.NodeCount() == 0) return;
+  if (fQuery == nullptr || !fQuery->Active()) return;
   const TCursorKeeper keeper(*fQuery);
+  TTreeListModel unbound;
+  if (fBindWanted) AttachRows(unbound);
+  const TTreeListModel& model = fBindWanted ? unbound : fModel;
   std::vector<TField> fields;
   for (const TTreeColumn* column : fVisible) fields.push_back(fQuery->Field(column->FieldName()));
-  for (std::size_t node = 0; node < fModel.NodeCount(); ++node) {
-    fQuery->GoTo(fModel.Record(node));
-    TTreeListRow row{fModel.Level(node), fModel.Image(node), {}};
+  for (std::size_t node = 0; node < model.NodeCount(); ++node) {
+    fQuery->GoTo(model.Record(node));
+    TTreeListRow row{model.Level(node), model.Image(node), {}};
     for (const TField& field : fields) row.Texts.push_back(field.AsText());
     visit(row);
   }

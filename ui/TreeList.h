@@ -104,8 +104,8 @@ class TTreeList : public TControl {
   void FullCollapse();
 
   std::vector<const TTreeColumn*> VisibleColumns() const;
-  /// Visits all rows in tree order, also those in closed branches. The query's cursor is where it was
-  /// afterwards.
+  /// Visits all rows in tree order, also those in closed branches and those that wait for the end of an
+  /// update. The query's cursor is where it was afterwards.
   void ForEachRow(const std::function<void(const TTreeListRow&)>& visit) const;
 
  private:
@@ -116,6 +116,7 @@ class TTreeList : public TControl {
   void Arranged() override;
   void QueryChanged(TQueryChange change);
   void Bind(std::size_t currentRecord);
+  void AttachRows(TTreeListModel& model) const;
   void LetGo() noexcept;
   void MoveCursor();
 
