@@ -114,7 +114,11 @@ std::string EngineScript(std::string_view sql) {
   // A column's type stands behind its name: a column of this name is left alone.
   bool behindName = false;
   for (TSqlToken token = scanner.Next(); token.Kind != TSqlTokenKind::End; token = scanner.Next()) {
-    if (token.Kind == TSqlTokenKind::GlobalName) replaceToken("temp." + QuotedName(token.Text));
+    if (token.Kind == TSqlTokenKind::GlobalName) {
+      // A word may end right in front of it, as in "FROM##T": it must not grow by the schema's name.
+      const bool behindWord = scanner.TokenStart() > 0 && IsWordCharacter(sql[scanner.TokenStart() - 1]);
+      replaceToken((behindWord ? " temp." : "temp.") + QuotedName(token.Text));
+    }
     const bool isWord = token.Kind == TSqlTokenKind::Word;
     if (behindName && isWord && SameWord(token.Text, "AutoInc")) replaceToken("INTEGER PRIMARY KEY");
     behindName = isWord || token.Kind == TSqlTokenKind::Quoted;

@@ -100,6 +100,7 @@ TEST_F(SqlScriptTest, OnlyNamesAndTheTypeAreReplaced) {
   } const cases[] = {
       {"", ""},
       {"SELECT * FROM ##A", "SELECT * FROM temp.\"##A\""},
+      {"SELECT * FROM##A", "SELECT * FROM temp.\"##A\""},
       {"##A\"B ##;##", "temp.\"##A\"\"B\" temp.\"##\";temp.\"##\""},
       {"'##A' \"##B\" [##C] `##D` -- ##E\n/* ##F */ # #A",
        "'##A' \"##B\" [##C] `##D` -- ##E\n/* ##F */ # #A"},
