@@ -52,9 +52,10 @@ double Real(const TJson& json) {
 }
 
 float Single(const TJson& json) {
-  const auto value = Real(json);
-  if (std::abs(value) > std::numeric_limits<float>::max()) Refuse("Zahl außerhalb des Bereichs", json);
-  return static_cast<float>(value);
+  // Rounded first: the fewest digits of the largest single are those of a number a little above it.
+  const auto value = static_cast<float>(Real(json));
+  if (!std::isfinite(value)) Refuse("Zahl außerhalb des Bereichs", json);
+  return value;
 }
 
 double Date(const TJson& json) {

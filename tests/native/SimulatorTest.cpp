@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/DispatchTarget.h"
+#include "simulator/DocumentFile.h"
 #include "simulator/Simulator.h"
 
 namespace {
@@ -166,4 +167,12 @@ TEST_F(SimulatorTest, SwitchesDecideAboutPastEndAndDuplicates) {
     Call(set, kAddProperty, kMethod, {TVariant::Int32(1), Text(u"größe"), TVariant::Int32(0)});
     EXPECT_EQ(Call(set, kCount, kGet).AsInteger(), test.Lenient ? 3 : 2);
   }
+}
+
+TEST(DocumentFile, TheLargestSingleIsReadAsItWasWritten) {
+  const std::string bytes = R"({"propertySets": [{"properties": [
+      {"name": "a", "type": "single", "value": 3.4028234663852886e38}]}]})";
+  const std::string written = simulator::SerialiseDocument(simulator::ParseDocument(bytes));
+  EXPECT_NE(written.find("3.4028235e+38"), std::string::npos) << written;
+  EXPECT_EQ(simulator::SerialiseDocument(simulator::ParseDocument(written)), written);
 }
