@@ -13,7 +13,7 @@ using TDialog = TComReference<IFileSaveDialog>;
 using TItem = TComReference<IShellItem>;
 
 void Check(HRESULT result) {
-  if (FAILED(result)) throw SystemError(result);
+  if (FAILED(result)) throw SystemError(static_cast<DWORD>(result));
 }
 
 /// The shell is loaded for this and not with the program, whose other tasks do not need it.
