@@ -28,6 +28,11 @@ if(VELMORA_SANITIZE)
   target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(project_options INTERFACE ${sanitizers})
 endif()
+if(VELMORA_FUZZ)
+  # Lets the fuzz targets see which ways their inputs take through our code.
+  target_compile_options(project_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(project_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # velmora_objects(name source...): an object library of ours. The system libraries that its code calls are named
 # with target_link_libraries(name PUBLIC ...).

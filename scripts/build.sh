@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Usage: build.sh native|bench|windows [TARGET...]   installs what is missing, configures and builds one preset
+# Usage: build.sh native|fuzz|bench|windows|windows-clang [TARGET...]   installs what is missing, configures and builds one preset
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 preset=${1:-}
 targets=("${@:2}")
 case $preset in
-    native | bench | windows) ;;
+    native | fuzz | bench | windows | windows-clang) ;;
     *)
         sed -n 2p "$0" >&2
         exit 2
@@ -78,9 +78,13 @@ mkdir -p "$root/build"
 exec 9>"$root/build/.lock-$preset"
 flock 9
 
-if [ "$preset" = windows ]; then
-    prepareDebianPackages 9>&-
-    prepareSqlite 9>&-
+if [[ $preset == windows* ]]; then
+    # Both put them into one folder.
+    exec 8>"$root/build/.lock-deps"
+    flock 8
+    prepareDebianPackages 8>&- 9>&-
+    prepareSqlite 8>&- 9>&-
+    exec 8>&-
 fi
 
 # The build itself sees changes of every CMakeLists.txt, but neither of the presets nor of a failed first try.

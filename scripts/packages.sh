@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
-# Usage: packages.sh NEED...   installs the Debian packages for native, bench, windows, wine, packing, listing, demo, format, lint, icons
+# Usage: packages.sh NEED...   installs the Debian packages for native, fuzz, bench, windows, windows-clang, wine, packing, listing, demo, format, lint, icons
 set -euo pipefail
 
 packagesFor() {
     case $1 in
         native) echo g++ cmake ninja-build python3 libgtest-dev nlohmann-json3-dev libsqlite3-dev zlib1g-dev ;;
+        fuzz) echo clang libclang-rt-14-dev cmake ninja-build python3 libgtest-dev nlohmann-json3-dev libsqlite3-dev zlib1g-dev ;;
         bench) echo g++ cmake ninja-build nlohmann-json3-dev libbenchmark-dev libsqlite3-dev zlib1g-dev ;;
         windows) echo g++-mingw-w64-x86-64-posix cmake ninja-build python3 googletest nlohmann-json3-dev npm \
             libz-mingw-w64-dev ;;
+        windows-clang) echo "$(packagesFor windows)" clang ;;
         # Wine only recommends the X libraries, but does without drawing, cursors or several screens if they lack.
         wine) echo wine wine64 fonts-wine xvfb libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 \
             libxrandr2 libxrender1 ;;

@@ -144,19 +144,6 @@ TEST_F(ZipArchiveTest, StreamsGiveBackWhatWasPacked) {
       EXPECT_LE(packed.size(), test.Most);
     }
   }
-  for (int run = 0; run < 60; ++run) {
-    std::vector<TRecipe::TPart> parts{{'t', 1}};
-    for (std::size_t i = recipe.Number(12); i > 0; --i) {
-      parts.push_back({"rtzb"[recipe.Number(4)], recipe.Number(20'000), 1});
-    }
-    std::size_t before = 0;
-    for (TRecipe::TPart& part : parts) {
-      if (part.Kind == 'b') part.Back = 1 + recipe.Number(before);
-      before += part.Size;
-    }
-    const std::string data = recipe.Data(parts);
-    EXPECT_TRUE(Unpacked(Packed(data, 1 + recipe.Number(61'440)), data.size()) == data) << "run " << run;
-  }
 }
 
 TEST_F(ZipArchiveTest, ReadersFindTheFolderInTheArchive) {

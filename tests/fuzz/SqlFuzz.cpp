@@ -1,0 +1,107 @@
+// The SQL layer. The first line of an input makes a table's name, the others are a script. Every name works
+// unquoted, the rewriting touches names and the type alone, and a script can do no more than fail.
+
+#include <sqlite3.h>
+
+#include "database/Query.h"
+#include "database/Session.h"
+#include "database/SqlScript.h"
+#include "platform/headless/Machine.h"
+#include "tests/fuzz/Fuzz.h"
+
+using fuzz::Require;
+
+namespace {
+
+int progress = 0;
+
+/// Statements may run for ever, or ask for any amount of memory: that is not what is looked for.
+int LimitConnection(sqlite3* connection, char**, const sqlite3_api_routines*) {
+  constexpr int kSteps = 1000;
+  sqlite3_progress_handler(
+      connection, kSteps, [](void*) { return ++progress > 30 ? 1 : 0; }, nullptr);
+  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, 50'000);
+  sqlite3_limit(connection, SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 20);
+  return SQLITE_OK;
+}
+
+/// A system below the engine that has no named files.
+bool PrepareEngine() {
+  static sqlite3_vfs system = *sqlite3_vfs_find(nullptr);
+  static const auto openFile = system.xOpen;
+  system.zName = "fuzz";
+  system.xOpen = [](sqlite3_vfs* self, const char* name, sqlite3_file* file, int flags, int* result) {
+    Require(name == nullptr, "a file is opened");
+    return openFile(self, name, file, flags, result);
+  };
+  sqlite3_vfs_register(&system, 1);
+  return sqlite3_auto_extension(reinterpret_cast<void (*)()>(LimitConnection)) == SQLITE_OK;
+}
+
+/// False when the engine refused it.
+bool Run(TQuery& query, const UnicodeString& sql, bool open = true) {
+  progress = 0;
+  query.SQL.Clear();
+  query.SQL.Add(sql);
+  try {
+    open ? query.Open() : query.Execute();
+    for (; !query.Eof(); query.Next()) static_cast<void>(query.Field(u"Wert").AsText());
+    if (open) query.InsertRecord({TextView(u"x")});
+    return true;
+  } catch (const EError& error) {
+    Require(error.Kind() == TErrorKind::Sql, "the kind of an error");
+    return false;
+  }
+}
+
+void CheckRewriting(std::string_view sql) {
+  const std::string script = database::EngineScript(sql);
+  TSqlScanner before(sql), after(script);
+  for (TSqlToken token = before.Next(); token.Kind != TSqlTokenKind::End; token = before.Next()) {
+    TSqlToken written = after.Next();
+    if (token.Kind == TSqlTokenKind::GlobalName) {
+      Require(written.Text == "temp" && after.Next().Text == ".", "the schema of a global name");
+      written = after.Next();
+      Require(written.Kind == TSqlTokenKind::Quoted && written.Text.size() >= token.Text.size() + 2,
+              "a global name");
+    } else if (written.Text == "INTEGER" && database::SameWord(token.Text, "AutoInc")) {
+      Require(after.Next().Text == "PRIMARY" && after.Next().Text == "KEY", "the type of a key");
+    } else {
+      Require(written.Text == token.Text, "another token");
+    }
+  }
+  Require(after.Next().Kind == TSqlTokenKind::End, "nothing is added");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const bool prepared = PrepareEngine();
+  const std::string_view input = fuzz::Bytes(data, size), line = fuzz::Split(input, '\n').front();
+  const std::string_view script = input.substr(std::min(line.size() + 1, size));
+  CheckRewriting(script);
+
+  headless::Machine().Root = "/";
+  sqlite3_hard_heap_limit64(0);  // which the script before may have lowered
+  TSession session;
+  session.Open();
+  TDatabase database(session);
+  database.Open();
+  TQuery query(database);
+  // Without what ends a name, and two non-characters that the engine changes.
+  UnicodeString name = u"##" + fuzz::AnyText(line);
+  std::erase_if(name, [](char16_t c) { return TextView(u" \t\r\n\f\v;\0\xFFFE\xFFFF", 10).find(c) < 10; });
+  Require(prepared && Run(query, u"CREATE TABLE ##T (Wert Char(5), ID AutoInc);SELECT * FROM ##T"),
+          "a table");
+  if (!database::SameWord(Utf8FromText(name), "##T")) {
+    const UnicodeString select = u"SELECT * FROM " + name;
+    Require(Run(query, u"CREATE TABLE " + name + u" (Wert Char(5), ID AutoInc);" + select), "any name");
+    query.InsertRecord({name});
+    Require(Run(query, select) && query.RowCount() == 3, "its rows");
+    query.GoTo(1);
+    Require(query.Field(u"wert").AsText() == name && query.Field(u"id").AsInteger() == 2, "their values");
+    Require(Run(query, u"SELECT * FROM ##T") && query.RowCount() == 2, "others are left alone");
+  }
+  Run(query, fuzz::AnyText(script), size % 4 != 0);
+  return 0;
+}
