@@ -73,8 +73,7 @@ TTreeListEvents TTreeList::Events() {
   };
 }
 
-// --- columns
-// --------------------------------------------------------------------------------------------------
+// --- columns ---
 
 TTreeColumn& TTreeList::AddColumn(TTreeColumnDesign design) {
   fColumns.push_back(std::make_unique<TTreeColumn>(*this, std::move(design)));
@@ -154,8 +153,7 @@ void TTreeList::Fit(TTreeColumn& column) {
   column.fFittedWidth = Designed(std::max(caption, fNative.NeededWidth(longest)));
 }
 
-// --- binding
-// --------------------------------------------------------------------------------------------------
+// --- binding ---
 
 void TTreeList::SetDataSource(TQuery* query) {
   if (fQuery != nullptr) {
@@ -237,8 +235,7 @@ void TTreeList::EndUpdate() noexcept {
   Application->Guard([this] { fNative.SetFrozen(false); });
 }
 
-// --- what the user sees and does
-// ------------------------------------------------------------------------------
+// --- what the user sees and does ---
 
 void TTreeList::ShowLines() {
   fNative.SetLines(fModel.LineCount(), fModel.CurrentLine());
@@ -315,8 +312,7 @@ void TTreeList::MouseUsed(TTreeListMouse action, std::size_t line) {
   if (action == TTreeListMouse::DoubleClick && OnDblClick) OnDblClick();
 }
 
-// --- drawing
-// --------------------------------------------------------------------------------------------------
+// --- drawing ---
 
 TTreeListLine TTreeList::LineAt(std::size_t line) const {
   if (Updating() || line >= fModel.LineCount()) return {};

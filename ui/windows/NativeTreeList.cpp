@@ -176,8 +176,7 @@ LRESULT CALLBACK TNativeTreeList::TImpl::SubclassProc(HWND window, UINT message,
   return result;
 }
 
-// --- messages
-// -------------------------------------------------------------------------------------------------
+// --- messages ---
 
 LRESULT TNativeTreeList::TImpl::HandleHost(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
@@ -333,8 +332,7 @@ void TNativeTreeList::TImpl::ShowHint(LPARAM position) {
   ToolTip.Track(List.Get(), cell, hint);
 }
 
-// --- drawing
-// --------------------------------------------------------------------------------------------------
+// --- drawing ---
 
 LRESULT TNativeTreeList::TImpl::DrawPart(const NMLVCUSTOMDRAW& part) {
   switch (part.nmcd.dwDrawStage) {
@@ -405,8 +403,7 @@ UnicodeString TNativeTreeList::TImpl::Description(std::size_t line) const {
   return !shape.HasChildren ? level : level + (shape.Open ? u", geöffnet" : u", geschlossen");
 }
 
-// --- places
-// ---------------------------------------------------------------------------------------------------
+// --- places ---
 
 void TNativeTreeList::TImpl::Arrange() {
   RECT area{};
@@ -459,8 +456,7 @@ void TNativeTreeList::TImpl::Select(std::size_t line) {
   Navigator.Enable(line > 0, line + 1 < Count);
 }
 
-// --- contract
-// -------------------------------------------------------------------------------------------------
+// --- contract ---
 
 TNativeTreeList::TNativeTreeList(TNativeWindow& host, TTreeListEvents events)
     : fImpl(std::make_unique<TImpl>(reinterpret_cast<HWND>(host.Handle()), std::move(events))) {}
