@@ -1,5 +1,7 @@
 #include "tests/e2e/Support.h"
 
+#include <commctrl.h>
+
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -7,10 +9,11 @@
 
 namespace {
 
-std::wstring ExecutablePath() {
+/// Of what the build puts beside the tests.
+std::filesystem::path BuiltPath(const std::wstring& file) {
   std::wstring name(32'768, L'\0');
   name.resize(::GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
-  return (std::filesystem::path(name).parent_path() / L"VelmoraInventor.exe").wstring();
+  return std::filesystem::path(name).parent_path() / file;
 }
 
 /// A pipe that holds `text` and whose writer has gone.
@@ -24,6 +27,39 @@ TFileHandle PipeWith(const std::string& text) {
   ::WriteFile(write, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
   return TFileHandle(read);
 }
+
+/// Room for a list view's item, and behind it for a text, in the process of the list view.
+class TRemoteItem {
+ public:
+  explicit TRemoteItem(HWND list) : fList(list) {
+    DWORD id = 0;
+    ::GetWindowThreadProcessId(list, &id);
+    fProcess.Reset(::OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id));
+    fItem = static_cast<LVITEMW*>(::VirtualAllocEx(
+        fProcess.Get(), nullptr, sizeof(LVITEMW) + kLength * sizeof(wchar_t), MEM_COMMIT, PAGE_READWRITE));
+  }
+  ~TRemoteItem() { ::VirtualFreeEx(fProcess.Get(), fItem, 0, MEM_RELEASE); }
+  TRemoteItem(const TRemoteItem&) = delete;
+  TRemoteItem& operator=(const TRemoteItem&) = delete;
+
+  std::string Text(std::size_t row, int column) const {
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = reinterpret_cast<wchar_t*>(fItem + 1);
+    item.cchTextMax = kLength;
+    ::WriteProcessMemory(fProcess.Get(), fItem, &item, sizeof item, nullptr);
+    ::SendMessageW(fList, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(fItem));
+    std::array<wchar_t, kLength> text{};
+    ::ReadProcessMemory(fProcess.Get(), item.pszText, text.data(), sizeof text, nullptr);
+    return Utf8FromText(FromWide(text.data()));
+  }
+
+ private:
+  static constexpr int kLength = 512;
+  HWND fList;
+  TFileHandle fProcess;
+  LVITEMW* fItem;
+};
 
 }  // namespace
 
@@ -49,6 +85,16 @@ std::wstring ClassOf(HWND window) {
   return {name.data(), static_cast<std::size_t>(length)};
 }
 
+RECT BoundsOf(HWND window) {
+  RECT bounds{};
+  ::GetWindowRect(window, &bounds);
+  return bounds;
+}
+
+bool SameRect(const RECT& a, const RECT& b) {
+  return ::EqualRect(&a, &b) != 0;
+}
+
 THostWindow::THostWindow(const wchar_t* title, RECT bounds, bool visible)
     : fWindow(::CreateWindowExW(0, L"STATIC", title, WS_POPUP | WS_BORDER, bounds.left, bounds.top,
                                 bounds.right - bounds.left, bounds.bottom - bounds.top, nullptr, nullptr,
@@ -59,7 +105,7 @@ THostWindow::THostWindow(const wchar_t* title, RECT bounds, bool visible)
 
 TProgram::TProgram(const std::wstring& arguments, const TEnvironment& changes,
                    const std::optional<std::string>& standardInput) {
-  const std::wstring executable = ExecutablePath();
+  const std::wstring executable = BuiltPath(L"VelmoraInventor.exe").wstring();
   std::wstring commandLine = L"\"" + executable + L"\" " + arguments;
   for (const auto& [name, value] : changes) ::SetEnvironmentVariableW(name.c_str(), value.c_str());
   const TFileHandle input = standardInput ? PipeWith(*standardInput) : TFileHandle();
@@ -97,15 +143,9 @@ HWND TProgram::FindOwnWindow(const wchar_t* className) const {
   return nullptr;
 }
 
-HWND TProgram::StatusWindow() const {
+HWND TProgram::VisibleWindow(const wchar_t* className) const {
   HWND window = nullptr;
-  WaitUntil([&] { return (window = FindOwnWindow(L"TfrmMain")) != nullptr || HasEnded(); });
-  return window;
-}
-
-HWND TProgram::MessageBox() const {
-  HWND window = nullptr;
-  WaitUntil([&] { return (window = FindOwnWindow(L"#32770")) != nullptr || HasEnded(); });
+  WaitUntil([&] { return (window = FindOwnWindow(className)) != nullptr || HasEnded(); });
   return window;
 }
 
@@ -124,6 +164,23 @@ std::optional<DWORD> TProgram::WaitForExit() const {
   if (!WaitUntil([this] { return HasEnded(); }) || !::GetExitCodeProcess(fProcess.Get(), &code))
     return std::nullopt;
   return code;
+}
+
+TExportDialog::TExportDialog(const TProgram& program) : fWindow(program.VisibleWindow(L"TfrmExportAsm")) {}
+
+std::size_t TExportDialog::RowCount() const {
+  return static_cast<std::size_t>(::SendMessageW(List(), LVM_GETITEMCOUNT, 0, 0));
+}
+
+std::vector<std::string> TExportDialog::Rows() const {
+  constexpr int kColumns = 4;
+  const TRemoteItem item(List());
+  std::vector<std::string> rows(RowCount());
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    rows[row] = item.Text(row, 0);
+    for (int column = 1; column < kColumns; ++column) rows[row] += " | " + item.Text(row, column);
+  }
+  return rows;
 }
 
 EndToEnd::EndToEnd() {
@@ -152,6 +209,10 @@ std::string EndToEnd::ReadFile(const std::wstring& name) const {
 
 bool EndToEnd::Exists(const std::wstring& name) const {
   return std::filesystem::exists(Path(name));
+}
+
+void EndToEnd::CopySample(const std::wstring& name) const {
+  std::filesystem::copy(BuiltPath(L"samples\\" + name), Path(name), std::filesystem::copy_options::recursive);
 }
 
 TProgram::TEnvironment EndToEnd::Environment(TProgram::TEnvironment more) const {
