@@ -45,7 +45,7 @@ kSharedWithComShell = tuple(f"platform/windows/{name}.h" for name in
 
 kLibraries = {
     "nlohmann/": ("simulator/",) + kMeasuringFolders,
-    "sqlite3.h": ("database/", "benchmarks/"),
+    "sqlite3.h": ("database/",) + kMeasuringFolders,
     "zlib.h": ("export/",) + kMeasuringFolders,
     "gtest/": ("tests/",),
     "gmock/": ("tests/",),

@@ -2,6 +2,7 @@
 #include "ui/NativeSaveDialog.h"
 
 std::optional<UnicodeString> AskForSaveName(const TNativeWindow&, const TSaveRequest& request) {
+  headless::ThrowIfFails("SaveDialog");
   headless::TMachine& machine = headless::Machine();
   std::string filters;
   for (const TFileFilter& filter : request.Filters) {
