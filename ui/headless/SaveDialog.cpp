@@ -12,7 +12,7 @@ std::optional<UnicodeString> AskForSaveName(const TNativeWindow&, const TSaveReq
                  " | " + Utf8FromText(request.FileName) + " |" + filters + " | " +
                  Utf8FromText(request.Extension));
   if (machine.SaveAnswers.empty()) return std::nullopt;
-  const std::optional<UnicodeString> answer = machine.SaveAnswers.front();
+  std::optional<UnicodeString> answer = machine.SaveAnswers.front();
   machine.SaveAnswers.pop_front();
   return answer;
 }
