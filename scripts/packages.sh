@@ -16,7 +16,7 @@ packagesFor() {
         format) echo clang-format ;;
         lint) echo clang-tidy ;;
         icons) echo librsvg2-bin imagemagick ;;
-        release) echo python3 python3-markdown ;;
+        release) echo python3 cmark-gfm ;;
         listing) echo chromium default-jre-headless python3 ;;
         *)
             echo "packages.sh: unknown need '$1'" >&2

@@ -27,10 +27,11 @@ cmake --build "$tree" --parallel "$(nproc)" --target VelmoraInventor
 rm -rf "$release"
 mkdir -p "$release/$name"
 # Without the protector's own function the compiler's switch has been lost.
-x86_64-w64-mingw32-nm "$tree/VelmoraInventor.exe" | grep -q __stack_chk_fail ||
+x86_64-w64-mingw32-nm "$tree/VelmoraInventor.exe" | grep __stack_chk_fail >/dev/null ||
     { echo "release.sh: the executable is built without the stack protector" >&2; exit 1; }
 x86_64-w64-mingw32-objcopy --only-keep-debug "$tree/VelmoraInventor.exe" "$release/VelmoraInventor.debug"
-x86_64-w64-mingw32-strip --strip-all -o "$release/$name/VelmoraInventor.exe" "$tree/VelmoraInventor.exe"
+# The date is the one that stands in the header.
+SOURCE_DATE_EPOCH=0 x86_64-w64-mingw32-strip --strip-all -o "$release/$name/VelmoraInventor.exe" "$tree/VelmoraInventor.exe"
 "$root/scripts/check-executable.py" "$release/$name/VelmoraInventor.exe"
 
 "$root/scripts/release/page.py" "$root/docs/anleitung.md" "$release/$name/Anleitung.html"

@@ -2,10 +2,9 @@
 """Usage: page.py SOURCE.md TARGET.html    makes one self-contained page of a document, its pictures inside"""
 import base64
 import re
+import subprocess
 import sys
 from pathlib import Path
-
-import markdown
 
 kPage = """<!DOCTYPE html>
 <html lang="{language}">
@@ -42,7 +41,8 @@ def Main():
     text = source.read_text(encoding="utf-8")
     # The other documents do not come along: their names stay, without a link.
     text = re.sub(r"(?<!!)\[([^\]]*)\]\((?!https?:)[^)]*\)", r"\1", text)
-    body = markdown.markdown(text, extensions=["tables"], output_format="html5")
+    body = subprocess.run(["cmark-gfm", "--extension", "table"], input=text, capture_output=True, check=True,
+                          encoding="utf-8").stdout
     body = re.sub(r'src="([^":]+\.png)"', lambda match: Embedded(match, source.parent), body)
     title = re.search(r"^# (.*)$", text, re.MULTILINE).group(1)
     language = "de" if source.stem == "anleitung" else "en"
