@@ -116,7 +116,16 @@ void TTreeList::ShowColumns() {
 void TTreeList::FitWidths() {
   std::vector<int> shares;
   for (const TTreeColumn* column : fVisible) shares.push_back(ShareOf(*column));
-  fNative.SetColumnWidths(DivideWidth(shares, fNative.ColumnSpace()));
+  const int space = fNative.ColumnSpace();
+  std::vector<int> widths = DivideWidth(shares, space);
+  // Where room is short, the other columns give way to what the tree's column needs.
+  const bool fitted = !fVisible.empty() && fVisible.front()->fFittedWidth != 0;
+  const int needed = fitted ? std::min(ScaledToDpi(shares.front(), Dpi()), space / 2) : 0;
+  if (needed != 0 && widths.front() < needed) {
+    widths = DivideWidth(std::span(shares).subspan(1), space - needed);
+    widths.insert(widths.begin(), needed);
+  }
+  fNative.SetColumnWidths(widths);
 }
 
 /// The tree's column grows with the branches that are opened, but leaves half of the width to the others.

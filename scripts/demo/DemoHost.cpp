@@ -23,7 +23,7 @@ namespace {
 
 constexpr int kNoResult = 125;
 constexpr DWORD kPollMilliseconds = 10;
-constexpr ULONGLONG kLongestRun = 30'000;
+constexpr ULONGLONG kLongestRun = 60'000;
 
 void Tell(const std::string& line) {
   std::fputs((line + "\n").c_str(), stdout);

@@ -176,7 +176,7 @@ TEST_F(ExportDialog, AFailingScanShowsItsErrorAndNoRows) {
   EXPECT_EQ(TextOfClosedBox(program), L"Größe unbekannt.");
   EXPECT_EQ(RootOpened(), 2) << "coming back from the box is no activation";
   dialog.Click(L"Alle Knoten öffnen");
-  EXPECT_EQ(dialog.RowCount(), 0U);
+  EXPECT_TRUE(dialog.Rows().empty());
   dialog.Click(L"Abbruch");
   ExpectClosed(program);
   EXPECT_EQ(RootOpened(), 2);
@@ -189,7 +189,7 @@ TEST_F(ExportDialog, WithoutDatabaseFolderItOpensEmpty) {
             L"Der Datenbankordner \"" + Path(L"AppData\\VelMora\\DBExt") + L"\" ist nicht vorhanden.");
   EXPECT_EQ(TextOfClosedBox(program), L"Die Datenbank ist nicht geöffnet.");
   const TExportDialog dialog(program);
-  EXPECT_EQ(dialog.RowCount(), 0U);
+  EXPECT_TRUE(dialog.Rows().empty());
   dialog.Press(VK_ESCAPE);
   EXPECT_EQ(program.WaitForExit(), 0U);
   EXPECT_TRUE(Trace().empty());

@@ -1,11 +1,11 @@
 #include "tests/e2e/Support.h"
 
-#include <commctrl.h>
-
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+
+#include "tests/e2e/RemoteListView.h"
 
 namespace {
 
@@ -27,39 +27,6 @@ TFileHandle PipeWith(const std::string& text) {
   ::WriteFile(write, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
   return TFileHandle(read);
 }
-
-/// Room for a list view's item, and behind it for a text, in the process of the list view.
-class TRemoteItem {
- public:
-  explicit TRemoteItem(HWND list) : fList(list) {
-    DWORD id = 0;
-    ::GetWindowThreadProcessId(list, &id);
-    fProcess.Reset(::OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id));
-    fItem = static_cast<LVITEMW*>(::VirtualAllocEx(
-        fProcess.Get(), nullptr, sizeof(LVITEMW) + kLength * sizeof(wchar_t), MEM_COMMIT, PAGE_READWRITE));
-  }
-  ~TRemoteItem() { ::VirtualFreeEx(fProcess.Get(), fItem, 0, MEM_RELEASE); }
-  TRemoteItem(const TRemoteItem&) = delete;
-  TRemoteItem& operator=(const TRemoteItem&) = delete;
-
-  std::string Text(std::size_t row, int column) const {
-    LVITEMW item{};
-    item.iSubItem = column;
-    item.pszText = reinterpret_cast<wchar_t*>(fItem + 1);
-    item.cchTextMax = kLength;
-    ::WriteProcessMemory(fProcess.Get(), fItem, &item, sizeof item, nullptr);
-    ::SendMessageW(fList, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(fItem));
-    std::array<wchar_t, kLength> text{};
-    ::ReadProcessMemory(fProcess.Get(), item.pszText, text.data(), sizeof text, nullptr);
-    return Utf8FromText(FromWide(text.data()));
-  }
-
- private:
-  static constexpr int kLength = 512;
-  HWND fList;
-  TFileHandle fProcess;
-  LVITEMW* fItem;
-};
 
 }  // namespace
 
@@ -168,17 +135,13 @@ std::optional<DWORD> TProgram::WaitForExit() const {
 
 TExportDialog::TExportDialog(const TProgram& program) : fWindow(program.VisibleWindow(L"TfrmExportAsm")) {}
 
-std::size_t TExportDialog::RowCount() const {
-  return static_cast<std::size_t>(::SendMessageW(List(), LVM_GETITEMCOUNT, 0, 0));
-}
-
 std::vector<std::string> TExportDialog::Rows() const {
-  constexpr int kColumns = 4;
-  const TRemoteItem item(List());
-  std::vector<std::string> rows(RowCount());
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    rows[row] = item.Text(row, 0);
-    for (int column = 1; column < kColumns; ++column) rows[row] += " | " + item.Text(row, column);
+  const TRemoteListView list(List());
+  std::vector<std::string> rows;
+  for (std::size_t row = 0; row < list.RowCount(); ++row) {
+    std::wstring text = list.Text(row, 0);
+    for (int column = 1; column < list.ColumnCount(); ++column) text += L" | " + list.Text(row, column);
+    rows.push_back(Utf8FromText(FromWide(text.c_str())));
   }
   return rows;
 }

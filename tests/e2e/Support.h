@@ -69,8 +69,7 @@ class TProgram {
   DWORD fId = 0;
 };
 
-/// The export dialog of a running program, looked at and used from outside. Its member functions wait for the
-/// program to answer: it does so only between its tasks.
+/// The export dialog of a running program, looked at and used from outside.
 class TExportDialog {
  public:
   /// Waits for the dialog.
@@ -83,7 +82,6 @@ class TExportDialog {
   /// The text beside the tree's small buttons.
   std::wstring Info() const { return TextOf(::FindWindowExW(Tree(), nullptr, L"Static", nullptr)); }
 
-  std::size_t RowCount() const;
   /// A line of UTF-8 for each row in view: its level, then its cells.
   std::vector<std::string> Rows() const;
 
