@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Usage: demo.sh   builds the program and the simulator and runs all four tasks on sample documents, as a host does
 #
-# Leaves in build/demo/: the documents as they are after the tasks, the property list file, screenshots of the
-# status window and of the export dialog, and the simulator's trace of each run. Ends with 0 only when every file
-# holds what it should and the dialog shows what it should.
+# Leaves in build/demo/: the documents as they are after the tasks, the property list file, the archive and its listing
+# as browsers show it, screenshots of the status window and of the export dialog, and the simulator's trace of each run.
+# Ends with 0 only when every file holds what it should and the dialog shows what it should.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -15,6 +15,9 @@ session=$root/build/wine/session
 
 # The simulator waits this long before it opens a document: the working text would be gone before anybody sees it.
 openMilliseconds=1200
+
+# Bytes by which a part of the sample assembly grows.
+bigPart=150000000
 
 # Around the status window in the screenshots, so that they show the host's window and nothing else.
 marginX=110
@@ -189,7 +192,7 @@ runTask() {
 
 # --- the export dialog --------------------------------------------------------------------------------------
 
-# useDialog place | rows | click TEXT: see scripts/demo/DialogUser.cpp
+# useDialog place | rows | click TEXT | export PATH: see scripts/demo/DialogUser.cpp
 useDialog() {
     "$root/scripts/wine.sh" run "$dialogUser" "$@" || fail "the export dialog cannot be used: $*"
 }
@@ -282,6 +285,8 @@ P
 exportAssembly() {
     local left top width height caption
     cp -R "$root/samples/Getriebe 08-15" "$demo/"
+    # As big as parts are, so that the packing can be seen.
+    head -c "$bigPart" /dev/urandom >>"$demo/Getriebe 08-15/Gehäuse/Unterteil.ipt"
     startProgram E 0 /E "Getriebe 08-15/Getriebe 08-15.iam"
     read -r left top width height caption < <(useDialog place)
     say "  dialog: $caption"
@@ -298,6 +303,39 @@ exportAssembly() {
     say "  the dialog shows the files that it should"
     useDialog click Abbruch
     expectEnd
+
+    startProgram E 0 /E "Getriebe 08-15/Getriebe 08-15.iam"
+    read -r left top width height caption < <(useDialog place)
+    crop=${width}x$height+$left+$top
+    useDialog export "$(windowsPath "$demo/Getriebe 08-15.zip")"
+    packingScreenshot E-packing.png
+    expectEnd
+    checkArchive "$demo/Getriebe 08-15.zip" "$demo/Getriebe 08-15"
+}
+
+# packingScreenshot FILE: takes the dialog while the archive stands beside its target under another name.
+packingScreenshot() {
+    local rounds=1500
+    until [ -s "$demo/~Archiv1.tmp" ]; do
+        [ $((rounds--)) -gt 0 ] || fail "the archive is not begun"
+        sleep 0.02
+    done
+    import-im6 -silent -window root -crop "$crop" +repage "$demo/$1"
+    say "  screenshot build/demo/$1"
+}
+
+# checkArchive ARCHIVE FOLDER: the archive holds each file of the folder once, and a listing that browsers like.
+checkArchive() {
+    local archive=$1 expected=$demo/expected-files
+    mkdir -p "$expected"
+    # Two files of the sample are called Dichtung.ipt; the one in Abdeckung comes later in the tree and wins.
+    find "$2" -type f -not -path '*/Gehäuse/Dichtung.ipt' -exec cp -p -t "$expected" {} +
+    unzip -q -o "$archive" Export.html -d "$demo/listing"
+    cp -p "$demo/listing/Export.html" "$expected/"
+    python3 "$root/scripts/packing/check.py" "$archive" "$expected"
+    rm -rf "$expected"
+    say "  build/demo/${archive##*/} holds what it should, say Python, unzip, 7-Zip and bsdtar"
+    "$root/scripts/check-listing.sh" "$demo/listing/Export.html" "$demo/listing"
 }
 
 main() {
@@ -311,7 +349,7 @@ main() {
 
     refuseForeignSession
     say "installing what is missing and building"
-    "$root/scripts/packages.sh" windows wine demo
+    "$root/scripts/packages.sh" windows wine demo packing listing
     "$root/scripts/build.sh" windows VelmoraInventor ApprenticeSimulator
     buildTool "$host"
     buildTool "$dialogUser"

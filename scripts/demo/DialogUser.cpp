@@ -1,8 +1,10 @@
 // Uses the export dialog of the running program as a person would, for the demonstration:
 //
-//   DialogUser.exe place         waits until the dialog shows its rows, and tells LEFT TOP WIDTH HEIGHT
-//   CAPTION DialogUser.exe rows          tells the rows in view: two blanks for each level, then the cells
+//   DialogUser.exe place         waits until the dialog shows its rows; tells LEFT TOP WIDTH HEIGHT CAPTION
+//   DialogUser.exe rows          tells the rows in view: two blanks for each level, then the cells
 //   DialogUser.exe click TEXT    presses the button with this text and waits until the program has done it
+//   DialogUser.exe export PATH   presses "Exportieren" and gives the save dialog this name; does not wait for
+//   the end
 //
 // Ends with 1, and a line on standard output, when there is no such dialog or button.
 #include <windows.h>
@@ -80,6 +82,40 @@ int Click(HWND dialog, const wchar_t* text) {
   return 0;
 }
 
+/// As Wine's save dialog has them: the edit line for the name, and the number of its button "save".
+constexpr int kNameEdit = 1152;
+
+HWND NameEditOf(HWND saveDialog) {
+  HWND found = nullptr;
+  ::EnumChildWindows(
+      saveDialog,
+      [](HWND child, LPARAM result) -> BOOL {
+        if (::GetDlgCtrlID(child) != kNameEdit) return TRUE;
+        *reinterpret_cast<HWND*>(result) = child;
+        return FALSE;
+      },
+      reinterpret_cast<LPARAM>(&found));
+  return found;
+}
+
+int Export(HWND dialog, const wchar_t* path) {
+  const HWND button = ::FindWindowExW(dialog, nullptr, L"Button", L"Exportieren");
+  if (button == nullptr) return Fail(L"there is no button Exportieren");
+  ::PostMessageW(button, BM_CLICK, 0, 0);
+  const ULONGLONG end = ::GetTickCount64() + kLongestScan;
+  while (::GetTickCount64() < end) {
+    const HWND saveDialog = ::FindWindowW(nullptr, L"Baugruppe exportieren nach");
+    const HWND edit = saveDialog != nullptr ? NameEditOf(saveDialog) : nullptr;
+    if (edit != nullptr && ::IsWindowVisible(saveDialog)) {
+      ::SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path));
+      ::PostMessageW(saveDialog, WM_COMMAND, IDOK, 0);
+      return 0;
+    }
+    ::Sleep(kPollMilliseconds);
+  }
+  return Fail(L"the save dialog does not open");
+}
+
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
@@ -90,5 +126,6 @@ int wmain(int count, wchar_t** arguments) {
   if (task == L"place") return TellPlace(dialog);
   if (task == L"rows") return TellRows(dialog);
   if (task == L"click" && count > 2) return Click(dialog, arguments[2]);
-  return Fail(L"place, rows or click TEXT?");
+  if (task == L"export" && count > 2) return Export(dialog, arguments[2]);
+  return Fail(L"place, rows, click TEXT or export PATH?");
 }
