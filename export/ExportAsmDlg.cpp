@@ -175,12 +175,15 @@ void TfrmExportAsm::btnAbbruchClick() {
   Close();
 }
 
+/// The keys go to the tree again: whoever has opened or closed it wants to move in it.
 void TfrmExportAsm::btnCollapseClick() {
   ASMTreeList.FullCollapse();
+  ASMTreeList.SetFocus();
 }
 
 void TfrmExportAsm::btnExpandClick() {
   ASMTreeList.FullExpand();
+  ASMTreeList.SetFocus();
 }
 
 void TfrmExportAsm::ASMTreeListDblClick() {}  // opening a file is the host's business

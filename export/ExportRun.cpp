@@ -40,10 +40,12 @@ class TUnfinishedArchive {
   }
 
  private:
-  /// A program that was killed may have left one behind.
+  /// A short name, so that it fits wherever the archive's own does. A program that was killed may have left
+  /// some behind.
   static UnicodeString FreeName(TextView target) {
+    target.remove_suffix(FileNameWithoutFolder(target).size());
     for (int i = 1;; ++i) {
-      const UnicodeString name = UnicodeString(target).append(u".").append(DecimalText(i)).append(u".tmp");
+      UnicodeString name = UnicodeString(target).append(u"~Archiv").append(DecimalText(i)).append(u".tmp");
       if (!FileExists(name)) return name;
     }
   }

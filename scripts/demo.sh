@@ -1,18 +1,23 @@
 #!/usr/bin/env bash
-# Usage: demo.sh   builds the program and the simulator and runs /P, /R and /RI on sample documents, as a host does
+# Usage: demo.sh   builds the program and the simulator and runs all four tasks on sample documents, as a host does
 #
-# Leaves in build/demo/: the documents as they are after the tasks, the property list file, screenshots of the
-# status window and the simulator's trace of each run. Ends with 0 only when every file holds what it should.
+# Leaves in build/demo/: the documents as they are after the tasks, the property list file, the archive and its listing
+# as browsers show it, screenshots of the status window and of the export dialog, and the simulator's trace of each run.
+# Ends with 0 only when every file holds what it should and the dialog shows what it should.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 demo=$root/build/demo
 program=$root/build/windows/VelmoraInventor.exe
 host=$root/build/demo-host/DemoHost.exe
+dialogUser=$root/build/demo-host/DialogUser.exe
 session=$root/build/wine/session
 
 # The simulator waits this long before it opens a document: the working text would be gone before anybody sees it.
 openMilliseconds=1200
+
+# Bytes by which a part of the sample assembly grows.
+bigPart=150000000
 
 # Around the status window in the screenshots, so that they show the host's window and nothing else.
 marginX=110
@@ -29,12 +34,15 @@ fail() {
 
 # --- preparation --------------------------------------------------------------------------------------------
 
-buildHost() {
-    local source=$root/scripts/demo/DemoHost.cpp
-    [ ! "$host" -nt "$source" ] || return 0
-    mkdir -p "${host%/*}"
+buildTool() {
+    local tool=$1 source
+    source=$root/scripts/demo/$(basename "$tool" .exe).cpp
+    if [ "$tool" -nt "$source" ] && [ "$tool" -nt "$root/tests/e2e/RemoteListView.h" ]; then
+        return 0
+    fi
+    mkdir -p "${tool%/*}"
     x86_64-w64-mingw32-g++-posix -std=c++20 -O2 -s -static -municode -mwindows -Wall -Wextra -Werror \
-        -DUNICODE -D_UNICODE -D_WIN32_WINNT=0x0A00 -DNOMINMAX -DWIN32_LEAN_AND_MEAN -I "$root" "$source" -o "$host"
+        -DUNICODE -D_UNICODE -D_WIN32_WINNT=0x0A00 -DNOMINMAX -DWIN32_LEAN_AND_MEAN -I "$root" "$source" -o "$tool"
 }
 
 # A session that is in use belongs to somebody else, to a test run for instance: starting one would end it.
@@ -70,7 +78,7 @@ cleanUp() {
         wait "$run" 2>/dev/null || true
     fi
     if [ $status -eq 0 ]; then
-        say "done: /P, /R and /RI did what they should"
+        say "done: /P, /R, /RI and /E did what they should"
     else
         echo "demo.sh: FAILED" >&2
     fi
@@ -132,23 +140,41 @@ waitForRelease() {
     done
 }
 
-# runTask NAME WORKING_TEXT RESULT_TEXT ARGUMENT...: starts the program as the host does and follows it to its end.
-# A task whose result has no text of its own passes an empty one: the working text stays.
-runTask() {
-    local name=$1 working=$2 result=$3 left top width height status=0
+# startProgram NAME DELAY ARGUMENT...: starts the program as the host does; each document opens DELAY milliseconds
+# late. `crop` becomes the status window with a little around it.
+startProgram() {
+    local name=$1 delay=$2 left top width height file
     trace=$demo/$name-trace.txt
-    say "running VelmoraInventor.exe ${*:4}"
-    local arguments=("$4") file
-    for file in "${@:5}"; do
+    say "running VelmoraInventor.exe ${*:3}"
+    local arguments=("$3")
+    for file in "${@:4}"; do
         arguments+=("$(windowsPath "$demo/$file")")
     done
 
-    exec {events}< <(APPRENTICE_TRACE=$(windowsPath "$trace") APPRENTICE_DELAY_MS=$openMilliseconds \
+    exec {events}< <(APPRENTICE_TRACE=$(windowsPath "$trace") APPRENTICE_DELAY_MS=$delay \
         exec "$root/scripts/wine.sh" run "$host" "$(windowsPath "$program")" "${arguments[@]}" 2>&1)
     run=$!
     expectEvent "window *"
     read -r _ left top width height <<<"$event"
     crop=$((width + 2 * marginX))x$((height + 2 * marginY))+$((left - marginX))+$((top - marginY))
+}
+
+expectEnd() {
+    local status=0
+    expectEvent "exit 0"
+    wait "$run" || status=$?
+    run=""
+    exec {events}<&-
+    [ $status -eq 0 ] || fail "the host ended with $status"
+    [ "$(tail -n 1 "$trace")" = "alive 0" ] || fail "objects of the component were left alive: see $trace"
+    say "  the program has ended with 0, no object of the component is alive"
+}
+
+# runTask NAME WORKING_TEXT RESULT_TEXT ARGUMENT...: starts the program and follows it to its end. A task whose
+# result has no text of its own passes an empty one: the working text stays.
+runTask() {
+    local name=$1 working=$2 result=$3
+    startProgram "$name" $openMilliseconds "${@:4}"
     expectEvent "text $working"
     say "  status window: $working"
     screenshot "$name-working.png"
@@ -161,13 +187,38 @@ runTask() {
         screenshot "$name-result.png"
         say "  status window: the text stays"
     fi
-    expectEvent "exit 0"
-    wait "$run" || status=$?
-    run=""
-    exec {events}<&-
-    [ $status -eq 0 ] || fail "the host ended with $status"
-    [ "$(tail -n 1 "$trace")" = "alive 0" ] || fail "objects of the component were left alive: see $trace"
-    say "  the program has ended with 0, no object of the component is alive"
+    expectEnd
+}
+
+# --- the export dialog --------------------------------------------------------------------------------------
+
+# useDialog place | rows | click TEXT | export PATH: see scripts/demo/DialogUser.cpp
+useDialog() {
+    "$root/scripts/wine.sh" run "$dialogUser" "$@" || fail "the export dialog cannot be used: $*"
+}
+
+# dialogScreenshot FILE [OTHER]: takes the dialog once it stands still and, with OTHER, no longer looks as there.
+dialogScreenshot() {
+    local file=$demo/$1 other=${2:+$demo/$2} rounds=30 last="" now=""
+    while :; do
+        import-im6 -silent -window root -crop "$crop" +repage "$file"
+        last=$now
+        now=$(convert-im6 "$file" -format '%#' info:)
+        if [ "$now" = "$last" ] && { [ -z "$other" ] || [ "$now" != "$(convert-im6 "$other" -format '%#' info:)" ]; }; then
+            break
+        fi
+        [ $((--rounds)) -gt 0 ] || fail "the dialog is not on the screen: $file"
+    done
+    say "  screenshot build/demo/$1"
+}
+
+# checkRows FILE COUNT MISSING: FILE has COUNT rows; those with the numbers in MISSING carry the warning.
+checkRows() {
+    local rows=$1 count=$2 missing=$3 found
+    found=$(wc -l <"$rows")
+    [ "$found" -eq "$count" ] || fail "the dialog shows $found rows and should show $count: see $rows"
+    found=$(sed -n 's/ *\([0-9]*\) |.* | Datei nicht gefunden!.*/\1/p' "$rows" | paste -sd ' ')
+    [ "$found" = "$missing" ] || fail "the rows with a warning are $found and should be $missing: see $rows"
 }
 
 # checkDocument FILE: the table of FILE before and after, and the check against the JSON on standard input.
@@ -182,7 +233,7 @@ checkDocument() {
     say "  build/demo/$1 holds what it should"
 }
 
-# --- the three tasks ----------------------------------------------------------------------------------------
+# --- the four tasks -----------------------------------------------------------------------------------------
 
 updateProperties() {
     cp "$demo/Deckel 4711.ipt" "$demo/before.json"
@@ -231,6 +282,62 @@ print(json.dumps({"properties": kept}))
 P
 }
 
+exportAssembly() {
+    local left top width height caption
+    cp -R "$root/samples/Getriebe 08-15" "$demo/"
+    # As big as parts are, so that the packing can be seen.
+    head -c "$bigPart" /dev/urandom >>"$demo/Getriebe 08-15/Gehäuse/Unterteil.ipt"
+    startProgram E 0 /E "Getriebe 08-15/Getriebe 08-15.iam"
+    read -r left top width height caption < <(useDialog place)
+    say "  dialog: $caption"
+    crop=${width}x$height+$left+$top
+    dialogScreenshot E-opened.png
+    useDialog click "Alle Knoten öffnen"
+    dialogScreenshot E-expanded.png E-opened.png
+    useDialog rows >"$demo/E-rows.txt"
+    echo
+    sed 's/^/  /; s/Z:.*\\Getriebe 08-15\\/...\\/' "$demo/E-rows.txt"
+    echo
+    # The sample assembly names 40 files; two of them are missing.
+    checkRows "$demo/E-rows.txt" 40 "39 40"
+    say "  the dialog shows the files that it should"
+    useDialog click Abbruch
+    expectEnd
+
+    startProgram E 0 /E "Getriebe 08-15/Getriebe 08-15.iam"
+    read -r left top width height caption < <(useDialog place)
+    crop=${width}x$height+$left+$top
+    useDialog export "$(windowsPath "$demo/Getriebe 08-15.zip")"
+    packingScreenshot E-packing.png
+    expectEnd
+    checkArchive "$demo/Getriebe 08-15.zip" "$demo/Getriebe 08-15"
+}
+
+# packingScreenshot FILE: takes the dialog while the archive stands beside its target under another name.
+packingScreenshot() {
+    local rounds=1500
+    until [ -s "$demo/~Archiv1.tmp" ]; do
+        [ $((rounds--)) -gt 0 ] || fail "the archive is not begun"
+        sleep 0.02
+    done
+    import-im6 -silent -window root -crop "$crop" +repage "$demo/$1"
+    say "  screenshot build/demo/$1"
+}
+
+# checkArchive ARCHIVE FOLDER: the archive holds each file of the folder once, and a listing that browsers like.
+checkArchive() {
+    local archive=$1 expected=$demo/expected-files
+    mkdir -p "$expected"
+    # Two files of the sample are called Dichtung.ipt; the one in Abdeckung comes later in the tree and wins.
+    find "$2" -type f -not -path '*/Gehäuse/Dichtung.ipt' -exec cp -p -t "$expected" {} +
+    unzip -q -o "$archive" Export.html -d "$demo/listing"
+    cp -p "$demo/listing/Export.html" "$expected/"
+    python3 "$root/scripts/packing/check.py" "$archive" "$expected"
+    rm -rf "$expected"
+    say "  build/demo/${archive##*/} holds what it should, say Python, unzip, 7-Zip and bsdtar"
+    "$root/scripts/check-listing.sh" "$demo/listing/Export.html" "$demo/listing"
+}
+
 main() {
     local name
     trap cleanUp EXIT
@@ -242,9 +349,10 @@ main() {
 
     refuseForeignSession
     say "installing what is missing and building"
-    "$root/scripts/packages.sh" windows wine demo
+    "$root/scripts/packages.sh" windows wine demo packing listing
     "$root/scripts/build.sh" windows VelmoraInventor ApprenticeSimulator
-    buildHost
+    buildTool "$host"
+    buildTool "$dialogUser"
 
     # Builds take their time: once more before the results of another run go.
     refuseForeignSession
@@ -259,6 +367,7 @@ main() {
     updateProperties
     changeReferences
     removeIndexHint
+    exportAssembly
     finished=1
 }
 

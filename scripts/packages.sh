@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Usage: packages.sh NEED...   installs the Debian packages for native, fuzz, bench, windows, windows-clang, wine, packing, listing, demo, format, lint, icons
+# Usage: packages.sh NEED...   installs the Debian packages for native, fuzz, bench, windows, windows-clang, wine, packing, listing, release, demo, format, lint, icons
 set -euo pipefail
 
 packagesFor() {
@@ -18,6 +18,7 @@ packagesFor() {
         format) echo clang-format ;;
         lint) echo clang-tidy ;;
         icons) echo librsvg2-bin imagemagick ;;
+        release) echo python3 cmark-gfm ;;
         listing) echo chromium default-jre-headless python3 ;;
         *)
             echo "packages.sh: unknown need '$1'" >&2

@@ -38,9 +38,10 @@ void TForm::ScaleTo(int dpi) {
   const int height = scaled(fClientHeight);
   fDpi = dpi;
   SetLeastClientSize(fLeastWidth, fLeastHeight);
-  fWindow.SetClientSize(width, height, dpi);
+  // Before the window hears of it: the system makes no window larger than the screen, and Sized tells then.
   fClientWidth = width;
   fClientHeight = height;
+  fWindow.SetClientSize(width, height, dpi);
   LayoutControls();
 }
 

@@ -12,7 +12,7 @@ namespace {
 /// What stands before the next "|"; `rest` loses it.
 UnicodeString TakePart(TextView& rest) {
   const std::size_t end = std::min(rest.find(u'|'), rest.size());
-  const UnicodeString part(rest.substr(0, end));
+  UnicodeString part(rest.substr(0, end));
   rest.remove_prefix(std::min(end + 1, rest.size()));
   return part;
 }

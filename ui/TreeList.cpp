@@ -73,8 +73,7 @@ TTreeListEvents TTreeList::Events() {
   };
 }
 
-// --- columns
-// --------------------------------------------------------------------------------------------------
+// --- columns ---
 
 TTreeColumn& TTreeList::AddColumn(TTreeColumnDesign design) {
   fColumns.push_back(std::make_unique<TTreeColumn>(*this, std::move(design)));
@@ -117,7 +116,16 @@ void TTreeList::ShowColumns() {
 void TTreeList::FitWidths() {
   std::vector<int> shares;
   for (const TTreeColumn* column : fVisible) shares.push_back(ShareOf(*column));
-  fNative.SetColumnWidths(DivideWidth(shares, fNative.ColumnSpace()));
+  const int space = fNative.ColumnSpace();
+  std::vector<int> widths = DivideWidth(shares, space);
+  // Where room is short, the other columns give way to what the tree's column needs.
+  const bool fitted = !fVisible.empty() && fVisible.front()->fFittedWidth != 0;
+  const int needed = fitted ? std::min(ScaledToDpi(shares.front(), Dpi()), space / 2) : 0;
+  if (needed != 0 && widths.front() < needed) {
+    widths = DivideWidth(std::span(shares).subspan(1), space - needed);
+    widths.insert(widths.begin(), needed);
+  }
+  fNative.SetColumnWidths(widths);
 }
 
 /// The tree's column grows with the branches that are opened, but leaves half of the width to the others.
@@ -154,8 +162,7 @@ void TTreeList::Fit(TTreeColumn& column) {
   column.fFittedWidth = Designed(std::max(caption, fNative.NeededWidth(longest)));
 }
 
-// --- binding
-// --------------------------------------------------------------------------------------------------
+// --- binding ---
 
 void TTreeList::SetDataSource(TQuery* query) {
   if (fQuery != nullptr) {
@@ -237,8 +244,7 @@ void TTreeList::EndUpdate() noexcept {
   Application->Guard([this] { fNative.SetFrozen(false); });
 }
 
-// --- what the user sees and does
-// ------------------------------------------------------------------------------
+// --- what the user sees and does ---
 
 void TTreeList::ShowLines() {
   fNative.SetLines(fModel.LineCount(), fModel.CurrentLine());
@@ -315,8 +321,7 @@ void TTreeList::MouseUsed(TTreeListMouse action, std::size_t line) {
   if (action == TTreeListMouse::DoubleClick && OnDblClick) OnDblClick();
 }
 
-// --- drawing
-// --------------------------------------------------------------------------------------------------
+// --- drawing ---
 
 TTreeListLine TTreeList::LineAt(std::size_t line) const {
   if (Updating() || line >= fModel.LineCount()) return {};

@@ -44,11 +44,13 @@ UnicodeString NormalisedPath(TextView path) {
 }
 
 bool IsLink(TextView path) {
+  if (headless::Fails("IsLink")) return false;
   std::error_code error;
   return std::filesystem::is_symlink(HostPath(path), error);
 }
 
 bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlock) {
+  if (headless::Fails("CopyFileOver")) return false;
   std::error_code error;
   if (IsLink(to)) std::filesystem::remove(HostPath(to), error);
   onBlock();
@@ -57,6 +59,7 @@ bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlo
 }
 
 void RemoveFile(TextView path) {
+  headless::ThrowIfFails("RemoveFile");
   std::error_code error;
   const bool removed = std::filesystem::remove(HostPath(path), error);
   Check(error);
@@ -64,12 +67,14 @@ void RemoveFile(TextView path) {
 }
 
 void RenameFile(TextView from, TextView to) {
+  headless::ThrowIfFails("RenameFile");
   std::error_code error;
   std::filesystem::rename(HostPath(from), HostPath(to), error);
   Check(error);
 }
 
 void RemoveFolder(TextView path) noexcept {
+  if (headless::Fails("RemoveFolder")) return;
   std::error_code error;
   std::filesystem::remove_all(HostPath(path), error);
 }

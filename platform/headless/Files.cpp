@@ -64,23 +64,27 @@ TFolderEntry Entry(int folder, const char* name) {
 }  // namespace
 
 bool FolderExists(TextView path) {
+  if (headless::Fails("FolderExists")) return false;
   std::error_code error;
   return std::filesystem::is_directory(headless::HostPath(path), error);
 }
 
 bool FileExists(TextView path) {
+  if (headless::Fails("FileExists")) return false;
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(headless::HostPath(path), error);
   return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
 }
 
 bool CreateFolders(TextView path) {
+  if (headless::Fails("CreateFolders")) return false;
   std::error_code error;
   std::filesystem::create_directories(headless::HostPath(path), error);
   return FolderExists(path);
 }
 
 std::vector<TFolderEntry> ListFolder(TextView path) {
+  headless::ThrowIfFails("ListFolder");
   const std::filesystem::path host = headless::HostPath(path);
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(host.c_str()),
                                                    [](DIR* open) { return ::closedir(open); });
@@ -110,6 +114,7 @@ TInputFile& TInputFile::operator=(TInputFile&&) noexcept = default;
 TInputFile::~TInputFile() = default;
 
 TInputFile TInputFile::Open(TextView path) {
+  if (headless::Fails("Open")) return {};
   const std::filesystem::path host = headless::HostPath(path);
   TDescriptor descriptor(::open(host.c_str(), O_RDONLY | O_CLOEXEC));
   if (!descriptor || FolderExists(path)) return {};
@@ -117,6 +122,7 @@ TInputFile TInputFile::Open(TextView path) {
 }
 
 TInputFile TInputFile::OpenShared(TextView path) {
+  headless::ThrowIfFails("OpenShared");
   TDescriptor descriptor = OpenDescriptor(path, O_RDONLY);
   if (S_ISDIR(Status(descriptor).st_mode)) throw InputOutputError(EISDIR);
   return TInputFile(std::make_unique<TImpl>(TImpl{std::move(descriptor)}));
@@ -127,6 +133,7 @@ TInputFile TInputFile::StandardInput() {
 }
 
 std::size_t TInputFile::Read(std::span<char> buffer) {
+  headless::ThrowIfFails("Read");
   if (fImpl->Descriptor) {
     const ssize_t count = ::read(fImpl->Descriptor.Get(), buffer.data(), buffer.size());
     if (count < 0) throw InputOutputError(errno);
@@ -140,6 +147,7 @@ std::size_t TInputFile::Read(std::span<char> buffer) {
 }
 
 TInputFile::TState TInputFile::State() const {
+  headless::ThrowIfFails("State");
   const struct stat status = Status(fImpl->Descriptor);
   return {static_cast<std::uint64_t>(status.st_size), LocalTime(status.st_mtime)};
 }
@@ -156,6 +164,7 @@ TOutputFile& TOutputFile::operator=(TOutputFile&&) noexcept = default;
 TOutputFile::~TOutputFile() = default;
 
 void TOutputFile::Write(std::span<const char> bytes) {
+  headless::ThrowIfFails("Write");
   while (!bytes.empty()) {
     const ssize_t count = ::write(fImpl->Descriptor.Get(), bytes.data(), bytes.size());
     if (count < 0) throw InputOutputError(errno);
@@ -164,6 +173,7 @@ void TOutputFile::Write(std::span<const char> bytes) {
 }
 
 void TOutputFile::WriteAt(std::uint64_t position, std::span<const char> bytes) {
+  headless::ThrowIfFails("WriteAt");
   while (!bytes.empty()) {
     const ssize_t count =
         ::pwrite(fImpl->Descriptor.Get(), bytes.data(), bytes.size(), static_cast<off_t>(position));
@@ -174,5 +184,6 @@ void TOutputFile::WriteAt(std::uint64_t position, std::span<const char> bytes) {
 }
 
 void TOutputFile::Close() {
+  headless::ThrowIfFails("Close");
   if (::close(fImpl->Descriptor.Detach()) != 0) throw InputOutputError(errno);
 }

@@ -2,11 +2,23 @@
 
 #include <algorithm>
 
+#include "platform/Error.h"
+
 namespace headless {
 
 TMachine& Machine() {
   static TMachine machine;
   return machine;
+}
+
+bool Fails(const char* call) {
+  if (++Machine().CallCount != Machine().FailCall) return false;
+  Machine().FailedCall = call;
+  return true;
+}
+
+void ThrowIfFails(const char* call) {
+  if (Fails(call)) throw InputOutputError(kAccessDenied);
 }
 
 std::filesystem::path HostPath(TextView path) {

@@ -53,6 +53,11 @@ struct TMachine {
   /// What the user does while a dialog is open, one after the other.
   std::deque<std::function<void()>> UserActions;
 
+  /// The call of files, system or windows that fails, counted from 1; 0: none.
+  std::int64_t FailCall = 0;
+  std::int64_t CallCount = 0;
+  std::string FailedCall;  ///< its name, once it has failed
+
   /// What the user could see, each line with the time: windows, painted texts, boxes. UTF-8.
   std::vector<std::string> Log;
 
@@ -60,6 +65,11 @@ struct TMachine {
 };
 
 TMachine& Machine();
+
+/// Counts a call of the back end; true when it is the one that is to fail.
+bool Fails(const char* call);
+/// The same for a call that reports its failure as an error: throws one of the kind InputOutput.
+void ThrowIfFails(const char* call);
 
 /// Where a file name of the program lies on this machine.
 std::filesystem::path HostPath(TextView path);

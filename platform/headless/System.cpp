@@ -54,6 +54,7 @@ UnicodeString EnvironmentVariable(TextView name) {
 }
 
 UnicodeString ComputerName() {
+  if (headless::Fails("ComputerName")) return {};
   return Machine().ComputerName;
 }
 
@@ -70,6 +71,7 @@ UnicodeString TemporaryFolder() {
 }
 
 std::optional<UnicodeString> DesktopFolder() {
+  if (headless::Fails("DesktopFolder")) return std::nullopt;
   return Machine().DesktopFolder;
 }
 

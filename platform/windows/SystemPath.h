@@ -8,8 +8,7 @@
 
 /// `path` as the system must be told it. From 248 characters on, the shortest limit (a folder's), an absolute
 /// path gets the prefix that lifts all limits. Under that prefix the system takes names as they are, so "/",
-/// "." and
-/// ".." are resolved before.
+/// "." and ".." are resolved before.
 inline UnicodeString SystemPath(TextView path) {
   constexpr std::size_t kShortestLimit = 248;
   UnicodeString name(path);

@@ -23,7 +23,7 @@ namespace {
 
 constexpr int kNoResult = 125;
 constexpr DWORD kPollMilliseconds = 10;
-constexpr ULONGLONG kLongestRun = 30'000;
+constexpr ULONGLONG kLongestRun = 60'000;
 
 void Tell(const std::string& line) {
   std::fputs((line + "\n").c_str(), stdout);
@@ -70,7 +70,8 @@ class TWatch {
   void Look() {
     if (const HWND form = FindWindowOf(fProcess, L"TfrmMain")) LookAtForm(form);
     const HWND box = FindWindowOf(fProcess, L"#32770");
-    if (box != nullptr && box != fBox) Tell("box " + OneLine(TextOf(::GetDlgItem(box, 0xFFFF))));
+    // The save dialog is of the same class, but has no such text.
+    if (box != nullptr && box != fBox && ::GetDlgItem(box, 0xFFFF) != nullptr) Tell("box " + OneLine(TextOf(::GetDlgItem(box, 0xFFFF))));
     fBox = box;
   }
 

@@ -74,16 +74,6 @@ class PropertyUpdate : public EndToEnd {
   }
 };
 
-RECT BoundsOf(HWND window) {
-  RECT bounds{};
-  ::GetWindowRect(window, &bounds);
-  return bounds;
-}
-
-bool SameRect(const RECT& a, const RECT& b) {
-  return ::EqualRect(&a, &b) != 0;
-}
-
 }  // namespace
 
 TEST_F(PropertyUpdate, WritesTheDocumentAndCloses) {

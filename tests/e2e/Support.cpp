@@ -5,12 +5,15 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/e2e/RemoteListView.h"
+
 namespace {
 
-std::wstring ExecutablePath() {
+/// Of what the build puts beside the tests.
+std::filesystem::path BuiltPath(const std::wstring& file) {
   std::wstring name(32'768, L'\0');
   name.resize(::GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
-  return (std::filesystem::path(name).parent_path() / L"VelmoraInventor.exe").wstring();
+  return std::filesystem::path(name).parent_path() / file;
 }
 
 /// A pipe that holds `text` and whose writer has gone.
@@ -49,6 +52,16 @@ std::wstring ClassOf(HWND window) {
   return {name.data(), static_cast<std::size_t>(length)};
 }
 
+RECT BoundsOf(HWND window) {
+  RECT bounds{};
+  ::GetWindowRect(window, &bounds);
+  return bounds;
+}
+
+bool SameRect(const RECT& a, const RECT& b) {
+  return ::EqualRect(&a, &b) != 0;
+}
+
 THostWindow::THostWindow(const wchar_t* title, RECT bounds, bool visible)
     : fWindow(::CreateWindowExW(0, L"STATIC", title, WS_POPUP | WS_BORDER, bounds.left, bounds.top,
                                 bounds.right - bounds.left, bounds.bottom - bounds.top, nullptr, nullptr,
@@ -59,7 +72,7 @@ THostWindow::THostWindow(const wchar_t* title, RECT bounds, bool visible)
 
 TProgram::TProgram(const std::wstring& arguments, const TEnvironment& changes,
                    const std::optional<std::string>& standardInput) {
-  const std::wstring executable = ExecutablePath();
+  const std::wstring executable = BuiltPath(L"VelmoraInventor.exe").wstring();
   std::wstring commandLine = L"\"" + executable + L"\" " + arguments;
   for (const auto& [name, value] : changes) ::SetEnvironmentVariableW(name.c_str(), value.c_str());
   const TFileHandle input = standardInput ? PipeWith(*standardInput) : TFileHandle();
@@ -97,15 +110,9 @@ HWND TProgram::FindOwnWindow(const wchar_t* className) const {
   return nullptr;
 }
 
-HWND TProgram::StatusWindow() const {
+HWND TProgram::VisibleWindow(const wchar_t* className) const {
   HWND window = nullptr;
-  WaitUntil([&] { return (window = FindOwnWindow(L"TfrmMain")) != nullptr || HasEnded(); });
-  return window;
-}
-
-HWND TProgram::MessageBox() const {
-  HWND window = nullptr;
-  WaitUntil([&] { return (window = FindOwnWindow(L"#32770")) != nullptr || HasEnded(); });
+  WaitUntil([&] { return (window = FindOwnWindow(className)) != nullptr || HasEnded(); });
   return window;
 }
 
@@ -124,6 +131,19 @@ std::optional<DWORD> TProgram::WaitForExit() const {
   if (!WaitUntil([this] { return HasEnded(); }) || !::GetExitCodeProcess(fProcess.Get(), &code))
     return std::nullopt;
   return code;
+}
+
+TExportDialog::TExportDialog(const TProgram& program) : fWindow(program.VisibleWindow(L"TfrmExportAsm")) {}
+
+std::vector<std::string> TExportDialog::Rows() const {
+  const TRemoteListView list(List());
+  std::vector<std::string> rows;
+  for (std::size_t row = 0; row < list.RowCount(); ++row) {
+    std::wstring text = list.Text(row, 0);
+    for (int column = 1; column < list.ColumnCount(); ++column) text += L" | " + list.Text(row, column);
+    rows.push_back(Utf8FromText(FromWide(text.c_str())));
+  }
+  return rows;
 }
 
 EndToEnd::EndToEnd() {
@@ -152,6 +172,10 @@ std::string EndToEnd::ReadFile(const std::wstring& name) const {
 
 bool EndToEnd::Exists(const std::wstring& name) const {
   return std::filesystem::exists(Path(name));
+}
+
+void EndToEnd::CopySample(const std::wstring& name) const {
+  std::filesystem::copy(BuiltPath(L"samples\\" + name), Path(name), std::filesystem::copy_options::recursive);
 }
 
 TProgram::TEnvironment EndToEnd::Environment(TProgram::TEnvironment more) const {

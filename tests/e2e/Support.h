@@ -18,6 +18,8 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 20'0
 
 std::wstring TextOf(HWND window);
 std::wstring ClassOf(HWND window);
+RECT BoundsOf(HWND window);
+bool SameRect(const RECT& a, const RECT& b);
 
 /// A window of the host application, drawn by nobody: what matters is its title, its place and its Z order.
 class THostWindow {
@@ -47,12 +49,14 @@ class TProgram {
   TProgram& operator=(const TProgram&) = delete;
 
   /// The status window once it is visible; null when it does not come.
-  HWND StatusWindow() const;
+  HWND StatusWindow() const { return VisibleWindow(L"TfrmMain"); }
   /// The text of its label.
   std::wstring StatusText() const;
   bool WaitForStatus(const std::wstring& text) const;
   /// A message box of the program once it is open; null when it does not come.
-  HWND MessageBox() const;
+  HWND MessageBox() const { return VisibleWindow(L"#32770"); }
+  /// A top-level window of the program once it is visible; null when it does not come.
+  HWND VisibleWindow(const wchar_t* className) const;
 
   bool HasEnded() const { return ::WaitForSingleObject(fProcess.Get(), 0) == WAIT_OBJECT_0; }
   /// Nothing when it does not end by itself.
@@ -65,6 +69,30 @@ class TProgram {
   DWORD fId = 0;
 };
 
+/// The export dialog of a running program, looked at and used from outside.
+class TExportDialog {
+ public:
+  /// Waits for the dialog.
+  explicit TExportDialog(const TProgram& program);
+
+  HWND Window() const { return fWindow; }
+  HWND Tree() const { return ::FindWindowExW(fWindow, nullptr, L"TTreeList", nullptr); }
+  HWND List() const { return ::FindWindowExW(Tree(), nullptr, L"SysListView32", nullptr); }
+  HWND Button(const wchar_t* text) const { return ::FindWindowExW(fWindow, nullptr, L"Button", text); }
+  /// The text beside the tree's small buttons.
+  std::wstring Info() const { return TextOf(::FindWindowExW(Tree(), nullptr, L"Static", nullptr)); }
+
+  /// A line of UTF-8 for each row in view: its level, then its cells.
+  std::vector<std::string> Rows() const;
+
+  void Click(const wchar_t* button) const { ::SendMessageW(Button(button), BM_CLICK, 0, 0); }
+  /// As typed while the list has the focus.
+  void Press(WPARAM key) const { ::PostMessageW(List(), WM_KEYDOWN, key, 0); }
+
+ private:
+  HWND fWindow;
+};
+
 /// A folder of its own for each test, with a per-user folder for the program; removed at the end.
 class EndToEnd : public testing::Test {
  protected:
@@ -75,6 +103,8 @@ class EndToEnd : public testing::Test {
   void WriteFile(const std::wstring& name, const std::string& bytes) const;
   std::string ReadFile(const std::wstring& name) const;
   bool Exists(const std::wstring& name) const;
+  /// Copies a file or folder of the sample documents.
+  void CopySample(const std::wstring& name) const;
 
   /// Environment of a run in this folder: settings below AppData, the simulator's trace in trace.txt.
   TProgram::TEnvironment Environment(TProgram::TEnvironment more = {}) const;

@@ -23,7 +23,7 @@ class TreeListTest : public TMachineTest {
     fList.SearchField = u"Name";
     fList.RootValue = -1;
     fList.SetBounds({0, 0, 415, 140});
-    fList.AddColumn({.Caption = u"*", .FieldName = u"ID", .Width = 100});
+    fId = &fList.AddColumn({.Caption = u"*", .FieldName = u"ID", .Width = 100});
     fName = &fList.AddColumn({.Caption = u"Bezeichnung", .FieldName = u"name", .Width = 300});
     fList.SetDataSource(&fQuery);
     fQuery.SQL.Add(u"CREATE TABLE T (Image Integer, Parent Integer, Name Char(9), ID AutoInc);");
@@ -50,6 +50,7 @@ class TreeListTest : public TMachineTest {
   TDatabase fDatabase{fSession};
   TQuery fQuery{fDatabase};
   TTreeList fList{fForm};
+  TTreeColumn* fId = nullptr;
   TTreeColumn* fName = nullptr;
 };
 
@@ -69,6 +70,15 @@ TEST_F(TreeListTest, ShowsWhatTheQueryHolds) {
   fQuery.Close();
   EXPECT_EQ(TScreen::Lines(), TLines());
   EXPECT_EQ(TScreen::Info(), "0 von 0");
+}
+
+TEST_F(TreeListTest, OthersGiveWayToTheFittedTreeColumn) {
+  Fill();
+  fId->ApplyBestFit();
+  fList.SetBounds({0, 0, 215, 140});
+  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{66, 134}));
+  fList.SetBounds({0, 0, 115, 140});
+  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{50, 50})) << "but keep half of the room";
 }
 
 TEST_F(TreeListTest, MovesTheCursorWithTheCurrentRow) {

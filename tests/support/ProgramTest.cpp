@@ -42,6 +42,8 @@ std::vector<std::string> TProgramTest::Run(TextView arguments) {
   headless::TMachine& machine = headless::Machine();
   machine.Now = 0;
   machine.Log.clear();
+  machine.CallCount = 0;
+  machine.FailedCall.clear();
   machine.CommandLine = UnicodeString(u"\"C:\\Programme\\VelmoraInventor.exe\" ").append(arguments);
   ProgramMain();
   return machine.Log;

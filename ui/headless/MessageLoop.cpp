@@ -46,6 +46,7 @@ bool RunNextTimer(std::optional<std::int64_t> limit) {
 }  // namespace
 
 TTimerId StartNativeTimer(int milliseconds, std::function<void()> onElapsed) {
+  headless::ThrowIfFails("StartTimer");
   const TTimerId id = ++Queue().LastId;
   Queue().Timers.emplace(id, TRunningTimer{milliseconds, Machine().Now + milliseconds, std::move(onElapsed)});
   return id;

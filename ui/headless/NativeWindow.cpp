@@ -68,6 +68,7 @@ struct TNativeWindow::TImpl {
 
 TNativeWindow::TNativeWindow(TWindowKind kind, TextView, TNativeWindow* parent, TWindowEvents events)
     : fImpl(new TImpl{kind, nullptr}) {
+  headless::ThrowIfFails("CreateWindow");
   fImpl->Events = std::move(events);
   if (fImpl->IsForm()) {
     Machine().ZOrder.insert(Machine().ZOrder.begin(), &fImpl->Window);

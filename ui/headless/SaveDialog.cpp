@@ -2,6 +2,7 @@
 #include "ui/NativeSaveDialog.h"
 
 std::optional<UnicodeString> AskForSaveName(const TNativeWindow&, const TSaveRequest& request) {
+  headless::ThrowIfFails("SaveDialog");
   headless::TMachine& machine = headless::Machine();
   std::string filters;
   for (const TFileFilter& filter : request.Filters) {
@@ -11,7 +12,7 @@ std::optional<UnicodeString> AskForSaveName(const TNativeWindow&, const TSaveReq
                  " | " + Utf8FromText(request.FileName) + " |" + filters + " | " +
                  Utf8FromText(request.Extension));
   if (machine.SaveAnswers.empty()) return std::nullopt;
-  const std::optional<UnicodeString> answer = machine.SaveAnswers.front();
+  std::optional<UnicodeString> answer = machine.SaveAnswers.front();
   machine.SaveAnswers.pop_front();
   return answer;
 }

@@ -9,7 +9,9 @@
 
 namespace {
 
-constexpr int kImageSize = 16;  // in pixels at kDesignDpi
+// In pixels at kDesignDpi.
+constexpr int kImageSize = 16;
+constexpr int kImageGap = 6;
 
 WORD IconOf(TButtonImage image) {
   switch (image) {
@@ -35,6 +37,8 @@ void TNativeWindow::TImpl::LoadButtonImage() {
   TIconHandle icon = LoadProgramIcon(IconOf(*Image), ScaledToDpi(kImageSize, Dpi));
   ::SendMessageW(Window.Get(), BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon.Get()));
   Icon = std::move(icon);
+  RECT margin{ScaledToDpi(kImageGap, Dpi), 0, 0, 0};
+  ::SendMessageW(Window.Get(), BCM_SETTEXTMARGIN, 0, reinterpret_cast<LPARAM>(&margin));
 }
 
 void TNativeWindow::SetTextHidden() {

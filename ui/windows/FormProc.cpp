@@ -15,10 +15,15 @@ struct TFormMessage {
 };
 
 constexpr TFormMessage kFormMessages[] = {
-    {WM_CLOSE, &TNativeWindow::TImpl::Close},        {WM_DPICHANGED, &TNativeWindow::TImpl::DpiChanged},
-    {WM_SIZE, &TNativeWindow::TImpl::Sized},         {WM_GETMINMAXINFO, &TNativeWindow::TImpl::LimitSize},
-    {WM_COMMAND, &TNativeWindow::TImpl::Command},    {DM_GETDEFID, &TNativeWindow::TImpl::TellDefaultButton},
-    {WM_ACTIVATE, &TNativeWindow::TImpl::KeepFocus}, {WM_SETCURSOR, &TNativeWindow::TImpl::SetCursor},
+    {WM_CLOSE, &TNativeWindow::TImpl::Close},
+    {WM_DPICHANGED, &TNativeWindow::TImpl::DpiChanged},
+    {WM_SIZE, &TNativeWindow::TImpl::Sized},
+    {WM_GETMINMAXINFO, &TNativeWindow::TImpl::LimitSize},
+    {WM_COMMAND, &TNativeWindow::TImpl::Command},
+    {DM_GETDEFID, &TNativeWindow::TImpl::TellDefaultButton},
+    {WM_ACTIVATE, &TNativeWindow::TImpl::KeepFocus},
+    {WM_SETCURSOR, &TNativeWindow::TImpl::SetCursor},
+    {WM_SYSCOLORCHANGE, &TNativeWindow::TImpl::ColoursChanged},
 };
 
 }  // namespace
@@ -98,4 +103,15 @@ std::optional<LRESULT> TNativeWindow::TImpl::SetCursor(WPARAM, LPARAM) {
   if (ScreenCursor() != TCursor::HourGlass) return std::nullopt;
   SetScreenCursor(TCursor::HourGlass);
   return TRUE;
+}
+
+/// Only forms hear of it.
+std::optional<LRESULT> TNativeWindow::TImpl::ColoursChanged(WPARAM, LPARAM) {
+  const auto tell = [](HWND child, LPARAM) -> BOOL {
+    ::SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+    ::InvalidateRect(child, nullptr, TRUE);
+    return TRUE;
+  };
+  ::EnumChildWindows(Window.Get(), tell, 0);
+  return std::nullopt;
 }

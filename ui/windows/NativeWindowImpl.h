@@ -59,5 +59,6 @@ struct TNativeWindow::TImpl {
   std::optional<LRESULT> Command(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> TellDefaultButton(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> KeepFocus(WPARAM wParam, LPARAM lParam);
+  std::optional<LRESULT> ColoursChanged(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> SetCursor(WPARAM wParam, LPARAM lParam);
 };

@@ -64,6 +64,8 @@ std::optional<UnicodeString> AskForSaveName(const TNativeWindow& owner, const TS
   if (const TItem folder = ItemOf(request.Folder)) Check(dialog->SetFolder(folder.Get()));
 
   const HRESULT shown = dialog->Show(reinterpret_cast<HWND>(owner.Handle()));
+  // Seen under Wine: the host's window came to the front in place of the owner.
+  ::SetForegroundWindow(reinterpret_cast<HWND>(owner.Handle()));
   if (shown == HRESULT_FROM_WIN32(ERROR_CANCELLED)) return std::nullopt;
   Check(shown);
   TItem chosen;

@@ -1,0 +1,196 @@
+#include <algorithm>
+
+#include "tests/e2e/Support.h"
+
+namespace {
+
+const std::wstring kFolder = L"Getriebe 08-15";
+const std::wstring kRoot = kFolder + L"\\Getriebe 08-15.iam";
+// A dot for each level, the AutoID, "+" before references.
+const std::string kOpened = "1 2+ .3 .4+ .12 .13+ .23+ .33 .34 .35 .36 .37 .38 .39 .40 ";
+const std::string kExpanded =
+    "1 2+ .3 .4+ ..5 ..6 ..7 ..8 ..9 ..10 ..11 .12 .13+ ..14 ..15 ..16 ..17 ..18 ..19+ ...20 ...21 ...22 "
+    ".23+ ..24 ..25 ..26 ..27 ..28 ..29+ ...30 ...31 ...32 .33 .34 .35 .36 .37 .38 .39 .40 ";
+
+class ExportDialog : public EndToEnd {
+ protected:
+  void SetUp() override { CopySample(kFolder); }
+
+  std::wstring Arguments() const { return L"/E \"" + Path(kRoot) + L"\""; }
+  /// How often the root was opened; a scan does so twice.
+  std::ptrdiff_t RootOpened() const {
+    return std::ranges::count(Trace(), "server.OpenDocument(\"" + Utf8Path(kRoot) + "\")");
+  }
+  void ExpectClosed(const TProgram& program) const {
+    EXPECT_EQ(program.WaitForExit(), 0U);
+    EXPECT_EQ(Trace().back(), "alive 0");
+  }
+};
+
+/// The rows are there, and keys move among them: what is typed before the end of the scan is thrown away.
+bool IsScanned(const TExportDialog& dialog) {
+  const auto reaches = [&dialog](WPARAM key, const wchar_t* info) {
+    return WaitUntil([&] {
+      dialog.Press(key);
+      return dialog.Info() == info;
+    });
+  };
+  return reaches(VK_END, L"40 von 40") && reaches(VK_HOME, L"1 von 40");
+}
+
+/// "Ebene 2, geöffnet | 4 | ..." becomes ".4+ ".
+std::string Outline(const std::vector<std::string>& rows) {
+  std::string outline;
+  for (const std::string& row : rows) {
+    const std::size_t name = row.find(" | ") + 3;
+    outline += std::string(static_cast<std::size_t>(row[6] - '1'), '.') +
+               row.substr(name, row.find(" | ", name) - name) + (row[7] == ',' ? "+ " : " ");
+  }
+  return outline;
+}
+
+/// The text of the box that is open; presses its button and waits until it has gone.
+std::wstring TextOfClosedBox(const TProgram& program) {
+  const HWND box = program.MessageBox();
+  EXPECT_EQ(TextOf(box), L"Velmora");
+  std::wstring text = TextOf(::GetDlgItem(box, 0xFFFF));
+  ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+  EXPECT_TRUE(WaitUntil([box] { return !::IsWindow(box); }));
+  return text;
+}
+
+/// The control that the user's keys go to; null while another program's window is in front.
+HWND FocusIn(HWND form) {
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof thread;
+  ::GetGUIThreadInfo(::GetWindowThreadProcessId(form, nullptr), &thread);
+  return ::GetForegroundWindow() == form && thread.hwndActive == form ? thread.hwndFocus : nullptr;
+}
+
+}  // namespace
+
+TEST_F(ExportDialog, ShowsTheFilesOfAnAssemblyAsATree) {
+  const TProgram program(Arguments(), Environment());
+  const TExportDialog dialog(program);
+  ASSERT_TRUE(IsScanned(dialog));
+  EXPECT_EQ(TextOf(dialog.Window()), L"Baugruppe \"Getriebe 08-15\" exportieren");
+  EXPECT_EQ(dialog.Info(), L"1 von 40");
+  const auto rows = dialog.Rows();
+  ASSERT_EQ(Outline(rows), kOpened);
+  const std::string folder = Utf8Path(kFolder);
+  EXPECT_EQ(rows[0], "Ebene 1 | 1 | Getriebe 08-15 | " + folder + "\\Getriebe 08-15.iam");
+  EXPECT_EQ(rows[1], "Ebene 1, geöffnet | 2 | Getriebe 08-15 | " + folder + "\\Getriebe 08-15.idw");
+  EXPECT_EQ(rows[3], "Ebene 2, geschlossen | 4 | Gehäuse.iam | " + folder + "\\Gehäuse\\Gehäuse.iam");
+  EXPECT_EQ(rows[14], "Ebene 2 | 40 | Typenschild.ipt | Datei nicht gefunden!  " + folder +
+                          "\\Abdeckung\\Typenschild.ipt");
+  dialog.Click(L"Alle Knoten öffnen");
+  EXPECT_EQ(Outline(dialog.Rows()), kExpanded);
+  dialog.Press(VK_END);
+  EXPECT_TRUE(WaitUntil([&] { return dialog.Info() == L"40 von 40"; }));
+  dialog.Click(L"Alle Knoten schließen");
+  EXPECT_EQ(Outline(dialog.Rows()), "1 2+ ");
+  EXPECT_EQ(dialog.Info(), L"2 von 40") << "the ancestor of the current row takes over";
+  ::SendMessageW(dialog.List(), WM_CHAR, L'ö', 0);
+  EXPECT_EQ(dialog.Info(), L"36 von 40");
+  EXPECT_EQ(Outline(dialog.Rows()), kOpened) << "what hides the name is opened";
+
+  // Neither another program in front nor the way back from it scans again.
+  const HWND focus = FocusIn(dialog.Window());
+  const THostWindow other(L"Etwas anderes", {0, 0, 200, 200});
+  ::SetForegroundWindow(other.Handle());
+  ASSERT_TRUE(WaitUntil([&] { return FocusIn(dialog.Window()) == nullptr; }));
+  ::SetForegroundWindow(dialog.Window());
+  EXPECT_TRUE(WaitUntil([&] { return FocusIn(dialog.Window()) == focus; }));
+  dialog.Click(L"Abbruch");
+  ExpectClosed(program);
+  EXPECT_EQ(RootOpened(), 2);
+}
+
+TEST_F(ExportDialog, StandsOnTheMiddleOfTheHostUntilItIsClosed) {
+  struct {
+    RECT Host;
+    std::function<void(const TExportDialog&)> Close;
+  } const cases[] = {
+      {{100, 100, 1101, 901}, [](const auto& dialog) { dialog.Press(VK_RETURN); }},
+      {{-400, -200, 201, 102}, [](const auto& dialog) { dialog.Press(VK_ESCAPE); }},  // partly off the screen
+      {{300, 200, 501, 251},
+       [](const auto& dialog) { ::PostMessageW(dialog.Window(), WM_SYSCOMMAND, SC_CLOSE, 0); }},
+      {{0, 0, 1280, 1024}, [](const auto& dialog) { ::PostMessageW(dialog.Window(), WM_CLOSE, 0, 0); }},
+  };
+  for (const auto& test : cases) {
+    const THostWindow host(L"VelMora", test.Host);
+    const TProgram program(Arguments(), Environment());
+    const TExportDialog dialog(program);
+    ASSERT_TRUE(IsScanned(dialog));
+    const RECT& r = test.Host;
+    const RECT bounds = BoundsOf(dialog.Window());
+    EXPECT_EQ(bounds.left, r.left + (r.right - r.left) / 2 - (bounds.right - bounds.left) / 2);
+    EXPECT_EQ(bounds.top, r.top + (r.bottom - r.top) / 2 - (bounds.bottom - bounds.top) / 2);
+    RECT client{};
+    ::GetClientRect(dialog.Window(), &client);
+    EXPECT_TRUE(SameRect(client, {0, 0, 939, 630}));
+    EXPECT_EQ(::GetWindow(dialog.Window(), GW_OWNER), program.StatusWindow());
+    EXPECT_EQ(program.StatusText(), L"");
+    test.Close(dialog);
+    ExpectClosed(program);
+  }
+}
+
+TEST_F(ExportDialog, ControlsFollowTheSizeDownToALeastOne) {
+  const TProgram program(Arguments(), Environment());
+  const TExportDialog dialog(program);
+  ASSERT_TRUE(IsScanned(dialog));
+  for (const SIZE& size : {SIZE{1100, 800}, SIZE{50, 50}}) {
+    ::SetWindowPos(dialog.Window(), nullptr, 10, 10, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+    RECT client{};
+    ::GetClientRect(dialog.Window(), &client);
+    if (size.cx == 50) {
+      EXPECT_TRUE(SameRect(client, {0, 0, 480, 240}));
+    }
+    struct {
+      HWND Control;
+      RECT Bounds;
+    } const controls[] = {
+        {dialog.Tree(), {0, 0, client.right, client.bottom - 41}},
+        {dialog.Button(L"Alle Knoten schließen"), {40, client.bottom - 33, 68, client.bottom - 8}},
+        {dialog.Button(L"Exportieren"),
+         {client.right - 227, client.bottom - 33, client.right - 117, client.bottom - 8}},
+        {dialog.Button(L"Abbruch"),
+         {client.right - 109, client.bottom - 33, client.right - 8, client.bottom - 8}},
+    };
+    for (const auto& control : controls) {
+      RECT bounds = BoundsOf(control.Control);
+      ::MapWindowPoints(nullptr, dialog.Window(), reinterpret_cast<POINT*>(&bounds), 2);
+      EXPECT_TRUE(SameRect(bounds, control.Bounds))
+          << Utf8FromText(FromWide(TextOf(control.Control).c_str()));
+    }
+    EXPECT_EQ(::GetWindowLongPtrW(dialog.List(), GWL_STYLE) & WS_HSCROLL, 0) << "the columns share the width";
+  }
+}
+
+TEST_F(ExportDialog, AFailingScanShowsItsErrorAndNoRows) {
+  const TProgram program(Arguments(), Environment({{L"APPRENTICE_FAIL_CALL", L"60"},
+                                                   {L"APPRENTICE_FAIL_TEXT", L"Größe unbekannt."}}));
+  const TExportDialog dialog(program);
+  EXPECT_EQ(::GetWindow(program.MessageBox(), GW_OWNER), dialog.Window());
+  EXPECT_EQ(TextOfClosedBox(program), L"Größe unbekannt.");
+  EXPECT_EQ(RootOpened(), 2) << "coming back from the box is no activation";
+  dialog.Click(L"Alle Knoten öffnen");
+  EXPECT_TRUE(dialog.Rows().empty());
+  dialog.Click(L"Abbruch");
+  ExpectClosed(program);
+  EXPECT_EQ(RootOpened(), 2);
+}
+
+TEST_F(ExportDialog, WithoutDatabaseFolderItOpensEmpty) {
+  WriteFile(L"AppData\\VelMora\\DBExt", "a file where the folder should be");
+  const TProgram program(Arguments(), Environment());
+  EXPECT_EQ(TextOfClosedBox(program),
+            L"Der Datenbankordner \"" + Path(L"AppData\\VelMora\\DBExt") + L"\" ist nicht vorhanden.");
+  EXPECT_EQ(TextOfClosedBox(program), L"Die Datenbank ist nicht geöffnet.");
+  const TExportDialog dialog(program);
+  EXPECT_TRUE(dialog.Rows().empty());
+  dialog.Press(VK_ESCAPE);
+  EXPECT_EQ(program.WaitForExit(), 0U);
+  EXPECT_TRUE(Trace().empty());
+}
