@@ -78,7 +78,7 @@ TTreeListEvents TTreeList::Events() {
 
 TTreeColumn& TTreeList::AddColumn(TTreeColumnDesign design) {
   fColumns.push_back(std::make_unique<TTreeColumn>(*this, std::move(design)));
-  ShowColumns();
+  if (fColumns.back()->Visible()) ShowColumns();
   return *fColumns.back();
 }
 
