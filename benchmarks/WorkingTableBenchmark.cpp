@@ -7,13 +7,10 @@
 #include <string>
 
 #include "database/Session.h"
-#include "export/AssemblyScan.h"
 #include "export/WorkingTable.h"
-#include "inventor/ApprenticeServer.h"
 #include "platform/headless/Machine.h"
-#include "simulator/Simulator.h"
 
-// The working table beside statements written by hand, and the scan that fills it.
+// The working table beside statements written by hand.
 
 namespace {
 
@@ -124,56 +121,5 @@ void InsertAndWalkByHand(benchmark::State& state) {
   }
 }
 BENCHMARK(InsertAndWalkByHand)->ArgName("transaction")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
-
-constexpr int kAssemblies = 300;
-constexpr int kPartsEach = 332;  // with the assemblies and the root: 99,901 rows
-
-/// A root, its sub-assemblies, and their parts, all in memory.
-std::string LoadDocument(const UnicodeString& path) {
-  const bool isRoot = path.ends_with(u"Wurzel.iam");
-  std::string references;
-  for (int i = 0; i < (isRoot ? kAssemblies : kPartsEach); ++i) {
-    references += (i == 0 ? "\"" : ",\"") + std::string(isRoot ? "Baugruppe " : "Teil ") + std::to_string(i) +
-                  (isRoot ? ".iam\"" : ".ipt\"");
-  }
-  return R"({"references":[)" + references + "]}";
-}
-
-void CallComponent(const UnicodeString& file) {
-  const TApprenticeServer server;
-  const TDocument document = server.OpenDocument(file);
-  const std::int32_t count = document.ReferencedFiles().Count();
-  for (std::int32_t i = 1; i <= count; ++i) {
-    const UnicodeString name = document.ReferencedFiles().Item(i).FullFileName();
-    benchmark::DoNotOptimize(document.ReferencedFiles().Item(i).DisplayName());
-    if (name.ends_with(u".iam")) CallComponent(name);
-  }
-  server.CloseServer();
-}
-
-/// With the argument 0 the component's calls alone: their share of the whole.
-void Scan(benchmark::State& state) {
-  TSimulator simulator({LoadDocument, {}}, {});
-  headless::Machine().CreateInstance = [&simulator](const TGuid&, const TGuid&) {
-    return simulator.CreateServer();
-  };
-  const UnicodeString root = u"C:\\Temp\\Wurzel.iam";
-  for (auto _ : state) {
-    state.PauseTiming();
-    const auto table = std::make_unique<TTable>();
-    state.ResumeTiming();
-    if (state.range(0) == 0) {
-      CallComponent(root);
-    } else {
-      TAssemblyScan scan(table->Query);
-      scan.OnRootOpened = [](const UnicodeString&) {};
-      scan.OnLevelScanned = [] {};
-      scan.FirstOpenAssembly(root);
-      state.counters["rows"] = static_cast<double>(table->Query.RowCount());
-    }
-  }
-  headless::Machine().CreateInstance = nullptr;
-}
-BENCHMARK(Scan)->ArgName("whole")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace

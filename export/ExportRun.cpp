@@ -1,4 +1,5 @@
 #include <utility>
+#include <vector>
 
 #include "app/MainDlg.h"
 #include "export/ExportAsmDlg.h"
@@ -120,10 +121,15 @@ void TfrmExportAsm::ExportTo(const UnicodeString& archive) {
 void TfrmExportAsm::WriteListing(const UnicodeString& path) const {
   if (IsLink(path)) RemoveFile(path);
   TOutputFile page(path, TCreate::Replace);
-  const auto rows = [this](const TListingVisitor& visit) {
-    ASMTreeList.ForEachRow([&visit](const TTreeListRow& row) {
+  // Asked on the first walk alone: asking the disk takes longer than all else here, and the answers of both
+  // walks must be the same.
+  std::vector<bool> missing;
+  const auto rows = [&](const TListingVisitor& visit) {
+    std::size_t i = 0;
+    ASMTreeList.ForEachRow([&](const TTreeListRow& row) {
       KeepAlive();
-      visit({row.Level, row.Image, row.Texts[0], row.Texts[1], row.Texts[2], !FileExists(row.Texts[2])});
+      if (i == missing.size()) missing.push_back(!FileExists(row.Texts[2]));
+      visit({row.Level, row.Image, row.Texts[0], row.Texts[1], row.Texts[2], missing[i++]});
     });
   };
   WriteHtmlListing(Caption(), rows, [&page](std::string_view piece) { page.Write(piece); });

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Usage: bench-packing.sh [RUNS]   measures the packing of folders against other packers (default 5 runs each)
+# Usage: bench-packing.sh [RUNS [DIVISOR]]   measures the packing of folders against other packers (default 5 runs each), of folders of such a part of the usual size
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 runs=${1:-5}
-case $runs in
+divisor=${2:-1}
+case $runs$divisor in
     '' | *[!0-9]*)
         sed -n 2p "$0" >&2
         exit 2
@@ -14,13 +15,13 @@ echo "bench-packing.sh: measuring the packing of folders"
 "$root/scripts/packages.sh" bench packing
 "$root/scripts/build.sh" bench pack_folder
 
-bench=$root/build/bench/packing
+bench=$root/build/bench/packing-$divisor
 mixes=$root/scripts/packing/mixes.py
 if ! cmp -s "$mixes" "$bench/mixes.stamp"; then
     echo "bench-packing.sh: making the mixes (half a minute)"
     rm -rf "$bench"
     mkdir -p "$bench"
-    python3 "$mixes" "$bench/mixes"
+    python3 "$mixes" "$bench/mixes" "$divisor"
     cp "$mixes" "$bench/mixes.stamp"
 fi
 

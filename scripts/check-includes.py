@@ -30,7 +30,7 @@ kExtraIncludes = [(re.compile(r"export/[^/]+\.cpp"), "app/MainDlg.h")]
 # The identifiers of the icons: for those who load them, and for those who name one.
 kResourceUsers = ("export/", "ui/windows/")
 
-kWindowsFolders = ("platform/windows/", "ui/windows/", "simulator/com/", "tests/e2e/")
+kWindowsFolders = ("platform/windows/", "ui/windows/", "simulator/com/", "tests/e2e/", "benchmarks/windows/")
 kHeadlessFolders = ("platform/headless/", "ui/headless/")
 kMeasuringFolders = ("tests/", "benchmarks/")
 

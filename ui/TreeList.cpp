@@ -77,7 +77,7 @@ TTreeListEvents TTreeList::Events() {
 
 TTreeColumn& TTreeList::AddColumn(TTreeColumnDesign design) {
   fColumns.push_back(std::make_unique<TTreeColumn>(*this, std::move(design)));
-  ShowColumns();
+  if (fColumns.back()->Visible()) ShowColumns();
   return *fColumns.back();
 }
 
@@ -246,9 +246,12 @@ void TTreeList::EndUpdate() noexcept {
 
 // --- what the user sees and does ---
 
+/// The depth comes first: where the native list gets a scroll bar it fits the widths by itself, and fitting them
+/// once more then changes nothing.
 void TTreeList::ShowLines() {
+  const bool depthChanged = std::exchange(fDepth, fModel.Depth()) != fModel.Depth();
   fNative.SetLines(fModel.LineCount(), fModel.CurrentLine());
-  if (std::exchange(fDepth, fModel.Depth()) != fModel.Depth()) FitWidths();
+  if (depthChanged) FitWidths();
 }
 
 void TTreeList::ShowCurrent() {

@@ -5,6 +5,7 @@ import shutil
 import statistics
 import subprocess
 import sys
+import time
 from pathlib import Path
 
 kPackers = {
@@ -30,10 +31,13 @@ def SizeOf(path):
 
 def Run(command, mixes, report):
     """Seconds on the clock, seconds of the processor, peak memory in KiB."""
-    # By a small program: a child of this one would begin with this one's memory as its peak.
-    subprocess.run(["time", "-q", "-o", report, "-f", "%e %U %S %M", *command], cwd=mixes, stdin=subprocess.DEVNULL,
+    # By a small program: a child of this one would begin with this one's memory as its peak. It knows only hundredths
+    # of a second.
+    begin = time.perf_counter()
+    subprocess.run(["time", "-q", "-o", report, "-f", "%U %S %M", *command], cwd=mixes, stdin=subprocess.DEVNULL,
                    check=True)
-    seconds, user, system, memory = map(float, report.read_text().split())
+    seconds = time.perf_counter() - begin
+    user, system, memory = map(float, report.read_text().split())
     return seconds, user + system, memory
 
 
@@ -60,7 +64,7 @@ def Main(ours, folder, runs):
         results = Measure(mix, ours, folder, runs)
         clock, processor, _, size = results["zip -6"]
         for name, (ownClock, ownProcessor, memory, ownSize) in results.items():
-            print(f"| {mix} | {name} | {ownClock:.2f} | {ownProcessor:.2f} | 1/{clock / ownClock:.2f} | "
+            print(f"| {mix} | {name} | {ownClock:.3f} | {ownProcessor:.2f} | 1/{clock / ownClock:.2f} | "
                   f"1/{processor / max(ownProcessor, 0.01):.2f} | {ownSize / 1e6:.2f} | {(ownSize / size - 1) * 100:+.2f} % | "
                   f"{memory / 1024:.1f} |", flush=True)
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Usage: mixes.py FOLDER   writes the folders cad/, text/ and small/ that bench-packing.sh packs
+"""Usage: mixes.py FOLDER DIVISOR   writes the folders cad/, text/ and small/ that bench-packing.sh packs
 
 The data are the same on every run: each file is drawn with a seed of its own.
 """
@@ -203,9 +203,9 @@ def MakeSmall(folder, count):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
+    if len(sys.argv) != 3:
         sys.exit(__doc__)
-    target = Path(sys.argv[1])
-    MakeCad(target / "cad", 300 * kMegabyte)
-    MakeText(target / "text", 150 * kMegabyte)
-    MakeSmall(target / "small", 5000)
+    target, divisor = Path(sys.argv[1]), int(sys.argv[2])
+    MakeCad(target / "cad", 300 * kMegabyte // divisor)
+    MakeText(target / "text", 150 * kMegabyte // divisor)
+    MakeSmall(target / "small", 5000 // divisor)
