@@ -1,61 +1,156 @@
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "tests/support/ProgramTest.h"
+#include "ui/headless/DialogScreen.h"
 
-// Every call of the component fails in turn, in every task, until a run survives.
+// Each of the four tasks, and in each of them every call of the component, of files, system and windows, and
+// every piece of memory that the SQL engine asks for, fails once.
 
 namespace {
 
-struct TSweep {
-  TextView Arguments;
-  std::string Document;
-  std::string WritingCall;  ///< from its return on the file may differ
-  std::int64_t LeastCalls;  ///< a sweep that is shorter has not gone through the task
-  bool ClosesAfterFailedSave;
+using headless::Machine;
+
+/// Lets one allocation of the SQL engine fail. Must be in place before the engine's first use.
+struct TSqlMemory {
+  static inline sqlite3_mem_methods Default{};
+  static inline std::int64_t Count = 0;
+  static inline std::int64_t FailAt = 0;
+  static inline bool Failed = false;
+
+  static bool Fails() {
+    if (++Count != FailAt) return false;
+    return Failed = true;
+  }
+  static bool Install() {
+    sqlite3_config(SQLITE_CONFIG_GETMALLOC, &Default);
+    sqlite3_mem_methods methods = Default;
+    methods.xMalloc = [](int size) { return Fails() ? nullptr : Default.xMalloc(size); };
+    methods.xRealloc = [](void* old, int size) { return Fails() ? nullptr : Default.xRealloc(old, size); };
+    return sqlite3_config(SQLITE_CONFIG_MALLOC, &methods) == SQLITE_OK;
+  }
 };
+const bool kSqlMemoryInstalled = TSqlMemory::Install();
 
 class FaultSweepTest : public TProgramTest {
  protected:
-  void Sweep(const TSweep& sweep) {
-    for (Simulation.FailCall = 1;; ++Simulation.FailCall) {
-      SCOPED_TRACE(Simulation.FailCall);
-      WriteFile(u"C:\\Teil.idw", sweep.Document);
-      Simulation.FailText = u"Gesperrt durch Müller, Aufruf " + DecimalText(Simulation.FailCall);
-      const auto log = Run(sweep.Arguments);
-      EXPECT_EQ(LiveObjects(), 0);
-      const bool written = std::ranges::count(Trace, sweep.WritingCall) != 0;
-      EXPECT_EQ(ReadFile(u"C:\\Teil.idw") != sweep.Document, written);
-      if (log.back() == "1500 quit") break;
-      EXPECT_EQ(log.at(3), "0 error box \"Velmora\": " + Utf8FromText(Simulation.FailText));
-      EXPECT_EQ(log.back(), "3600 quit") << "the timer ends the program with the box";
-      if (sweep.ClosesAfterFailedSave) CheckClosed();
-    }
-    EXPECT_GT(Simulation.FailCall, sweep.LeastCalls);
+  struct TTask {
+    TextView Arguments;
+    std::string WritingCall;  ///< from its return on the document may differ
+    int LeastFaults;          ///< a sweep of the component with fewer has not gone through the task
+    bool ClosesAfterFailedSave = false;
+  };
+  const std::string fDocument =
+      DocumentWith(TextProperty("A", "1") + "," + TextProperty("INTZUSTAND-EOF", "a") + "," +
+                       TextProperty("IndexHinweis", "alt"),
+                   R"("references": ["u.iam", "t.ipt"],)");
+  const std::vector<TTask> fTasks = {
+      {u"/P C:\\P\\x.iam C:\\Liste.txt", "propertysets.WritePropertiesToFile()", 60},
+      {u"/R C:\\P\\x.iam", "saveset.ExecuteSave()", 16, true},
+      {u"/RI C:\\P\\x.iam", "propertysets.WritePropertiesToFile()", 20},
+      {u"/E C:\\P\\x.iam", "none", 25},
+  };
+
+  static std::ptrdiff_t OpenDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  }
+  static bool Exists(TextView path) { return std::filesystem::exists(headless::HostPath(path)); }
+  bool Logged(const std::string& part) const {
+    return std::ranges::any_of(Machine().Log,
+                               [&part](const auto& line) { return line.find(part) != line.npos; });
   }
 
- private:
-  /// Once the save has begun, both are closed whatever fails; before it, neither.
-  void CheckClosed() {
-    const auto called = [this](std::string_view name) {
-      return std::ranges::any_of(Trace, [name](const auto& line) { return line.starts_with(name); });
-    };
-    EXPECT_EQ(called("document.CloseDocument"), called("server.SaveSet"));
-    EXPECT_EQ(called("server.CloseServer"), called("server.SaveSet"));
+  void RunTask(const TTask& task) {
+    for (const TextView folder : {u"C:\\P", u"C:\\Temp\\x.iam", u"C:\\Users"}) {
+      std::filesystem::remove_all(headless::HostPath(folder));
+    }
+    WriteFile(u"C:\\Liste.txt", "A\n2\nB\n3\nINTZUSTAND-EOF\nb\n");
+    WriteFile(u"C:\\P\\x.iam", fDocument);
+    WriteFile(u"C:\\P\\u.iam", R"({"references": ["t.ipt"]})");
+    WriteFile(u"C:\\P\\t.ipt", "Teil");
+    WriteFile(u"C:\\P\\x.zip", "altes Archiv");
+    Machine().PressOkAfter.assign(20, 0);
+    Machine().SaveAnswers = {u"C:\\P\\x.zip"};
+    Machine().UserActions = {[] { headless::TDialogScreen::Press(u"Exportieren"); },
+                             [] { headless::TDialogScreen::PressEscape(); }};
+    const std::ptrdiff_t descriptors = OpenDescriptors();
+    Run(task.Arguments);
+
+    EXPECT_EQ(LiveObjects(), 0);
+    EXPECT_EQ(OpenDescriptors(), descriptors);
+    EXPECT_TRUE(Machine().ZOrder.empty()) << "no window is left";
+    const bool written = std::ranges::count(Trace, task.WritingCall) != 0;
+    EXPECT_EQ(ReadFile(u"C:\\P\\x.iam") != fDocument, written);
+    EXPECT_FALSE(Exists(u"C:\\P\\~Archiv1.tmp"));
+    const std::string archive = ReadFile(u"C:\\P\\x.zip");
+    const bool whole = archive.size() > 22 && archive.compare(archive.size() - 22, 4, "PK\5\6") == 0;
+    EXPECT_TRUE(whole || archive == "altes Archiv" || !Exists(u"C:\\P\\x.zip")) << "half an archive";
+    EXPECT_EQ(ReadFile(u"C:\\P\\t.ipt"), "Teil");
+    if (task.ClosesAfterFailedSave) {
+      // Once the save has begun, both are closed whatever fails; before it, neither.
+      EXPECT_EQ(Called("document.CloseDocument"), Called("server.SaveSet"));
+      EXPECT_EQ(Called("server.CloseServer"), Called("server.SaveSet"));
+    }
+  }
+  bool Called(std::string_view name) const {
+    return std::ranges::any_of(Trace, [name](const auto& line) { return line.starts_with(name); });
+  }
+
+  /// Lets the calls fail one after the other, until one survives; returns how many have failed.
+  template <class TSetFault, class TCheck>
+  int Sweep(const TTask& task, TSetFault setFault, TCheck hasFailed, int step = 1) {
+    int faults = 0;
+    for (std::int64_t n = 1;; n += step) {
+      SCOPED_TRACE(Utf8FromText(task.Arguments) + " " + std::to_string(n));
+      setFault(n);
+      RunTask(task);
+      setFault(0);
+      if (!hasFailed()) return faults;
+      ++faults;
+    }
   }
 };
 
 }  // namespace
 
-TEST_F(FaultSweepTest, LeavesNothingHalfDone) {
-  const std::string properties = TextProperty("A", "1") + "," + TextProperty("INTZUSTAND-EOF", "a") + "," +
-                                 TextProperty("IndexHinweis", "alt");
-  WriteFile(u"C:\\Liste.txt", "A\n2\nB\n3\nINTZUSTAND-EOF\nb\n");
-  Sweep({u"/P C:\\Teil.idw C:\\Liste.txt", DocumentWith(properties), "propertysets.WritePropertiesToFile()",
-         60, false});
-  Sweep({u"/R C:\\Teil.idw", DocumentWith("", R"("references": ["X:\\a.ipt", "X:\\b.iam"],)"),
-         "saveset.ExecuteSave()", 16, true});
-  Sweep({u"/RI C:\\Teil.idw", DocumentWith(properties), "propertysets.WritePropertiesToFile()", 20, false});
+TEST_F(FaultSweepTest, NothingIsLostWhateverFails) {
+  const std::vector<std::string> silent = {"FolderExists", "FileExists",   "CreateFolders",
+                                           "Open",         "IsLink",       "CopyFileOver",
+                                           "RemoveFolder", "ComputerName", "DesktopFolder"};
+  for (const TTask& task : fTasks) {
+    const int component = Sweep(
+        task,
+        [this](std::int64_t n) {
+          Simulation.FailCall = n;
+          Simulation.FailText = u"Gesperrt";
+        },
+        [this] { return Logged("error box \"Velmora\": Gesperrt"); });
+    const int seam = Sweep(
+        task, [](std::int64_t n) { Machine().FailCall = n; },
+        [&] {
+          const std::string& failed = Machine().FailedCall;
+          if (failed.empty() || std::ranges::count(silent, failed) != 0) return !failed.empty();
+          EXPECT_TRUE(Logged("Dateizugriff verweigert")) << failed;
+          return true;
+        });
+    const int sql = Sweep(
+        task,
+        [](std::int64_t n) {
+          TSqlMemory::Count = 0;
+          TSqlMemory::FailAt = n;
+          if (n != 0) TSqlMemory::Failed = false;
+        },
+        [] { return TSqlMemory::Failed; }, 5);
+    std::printf(
+        "%-30s survived %d faults of the component, %d of files, system and windows, %d of the SQL engine\n",
+        Utf8FromText(task.Arguments).c_str(), component, seam, sql);
+    EXPECT_GT(component, task.LeastFaults);
+    EXPECT_GT(seam, 3);
+  }
 }
