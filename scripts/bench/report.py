@@ -61,7 +61,7 @@ def ReportDialog(path):
         Compared(f"`/E` to the visible rows, {place}", shown, "ms", "bare program, calls alone",
                  values["bare program, component's calls alone, ms"])
         Compared(f"`/E` to the visible rows, {place}", shown, "ms", "bare program, also looking for drawings",
-                 values["bare program, also looking for drawings, ms"], kTaskRatio)
+                 values["bare program, also looking for drawings, ms"])
         for name in ("expand all", "collapse all"):
             Limited(f"{name}, {place}", values[f"{name}, ms"], kClick, "the same with the drawing",
                     values[f"{name} and draw, ms"])
