@@ -240,8 +240,8 @@ void TTreeList::EndUpdate() noexcept {
 // --- what the user sees and does
 // ------------------------------------------------------------------------------
 
-/// The depth comes first: where the native list gets a scroll bar it fits the widths by itself, and fitting them
-/// once more then changes nothing.
+/// The depth comes first: where the native list gets a scroll bar it fits the widths by itself, and fitting
+/// them once more then changes nothing.
 void TTreeList::ShowLines() {
   const bool depthChanged = std::exchange(fDepth, fModel.Depth()) != fModel.Depth();
   fNative.SetLines(fModel.LineCount(), fModel.CurrentLine());
