@@ -36,22 +36,25 @@ def Limited(what, ours, most, other="", theirs=None):
     Row(what, ours, "ms", other, theirs, f"{ours / theirs:.2f}" if theirs else "", f"at most {most} ms", ours <= most)
 
 
-def Cells(path):
-    """The rows of all Markdown tables in a file, without headers."""
+def Cells(path, columns):
+    """The rows of all Markdown tables with so many columns in a file, without headers."""
+    rows = []
     for line in path.read_text(encoding="utf-8").splitlines():
         cells = [cell.strip() for cell in line.strip("| \n").split(" | ")]
-        if line.startswith("| ") and re.fullmatch(r"[\d.]+", cells[-2]):
-            yield cells
+        if line.startswith("| ") and len(cells) == columns and re.fullmatch(r"[\d.]+", cells[-1]):
+            rows.append(cells)
+    assert rows, f"{path} has no table of {columns} columns"
+    return rows
 
 
 def ReportTasks(path):
-    for what, ours, _, _, bare, *_ in (cells for cells in Cells(path) if len(cells) == 8):
+    for what, ours, _, _, bare, *_ in Cells(path, 8):
         Compared(what, float(ours), "ms", "bare program", float(bare), kTaskRatio)
 
 
 def ReportDialog(path):
     found = {}  # rows: what: median
-    for what, median, *_ in (cells for cells in Cells(path) if len(cells) == 4):
+    for what, median, *_ in Cells(path, 4):
         name, rows = re.fullmatch(r"(.*), (\d+) rows", what).groups()
         found.setdefault(int(rows), {})[name] = float(median)
     least = found[min(found)]
@@ -61,7 +64,7 @@ def ReportDialog(path):
         Compared(f"`/E` to the visible rows, {place}", shown, "ms", "bare program, calls alone",
                  values["bare program, component's calls alone, ms"])
         Compared(f"`/E` to the visible rows, {place}", shown, "ms", "bare program, also looking for drawings",
-                 values["bare program, also looking for drawings, ms"], kTaskRatio)
+                 values["bare program, also looking for drawings, ms"])
         for name in ("expand all", "collapse all"):
             Limited(f"{name}, {place}", values[f"{name}, ms"], kClick, "the same with the drawing",
                     values[f"{name} and draw, ms"])
@@ -97,7 +100,7 @@ def ReportGrowth(path):
         if "bytes/row" in entry:
             Row(f"{what}: memory of the open dialog for each row, {int(rows):,} rows", entry["bytes/row"], "bytes")
     limits = {"ExpandAll": kClick, "CollapseAll": kClick, "PageDown": kPage}
-    for what, times in sizes.items():
+    for what, times in sorted(sizes.items()):
         for rows, time in sorted(times.items()):
             label = f"{what}, native, {rows:,} rows"
             before = times.get(rows // 10)
@@ -111,7 +114,7 @@ def ReportGrowth(path):
 
 def ReportPacking(path):
     results = {}  # mix: packer: seconds
-    for mix, packer, clock, *_ in (cells for cells in Cells(path) if len(cells) == 9):
+    for mix, packer, clock, *_ in Cells(path, 9):
         results.setdefault(mix, {})[packer] = float(clock)
     for mix, times in results.items():
         ours = times.pop("ours")
