@@ -67,7 +67,8 @@ class TQuery {
 
   /// Runs all statements. The last one, "SELECT * FROM" one table, with whatever follows, gives the result;
   /// the cursor stands on its first row. A result that was open is closed first. Throws EError of kind Sql,
-  /// and the query is then closed; what the statements in front have done stays.
+  /// and the query is then closed; what the statements in front have done stays. What OnChange throws leaves
+  /// it open.
   void Open();
   /// Runs all statements and has no result. Closes and throws like Open.
   void Execute();

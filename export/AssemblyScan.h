@@ -13,6 +13,7 @@ class TAssemblyScan {
   /// `query` is open on the empty working table and outlives the scan.
   explicit TAssemblyScan(TQuery& query) : fQuery(query) {}
 
+  // Both are set before the scan begins.
   std::function<void(const UnicodeString& displayName)> OnRootOpened;
   std::function<void()> OnLevelScanned;
 

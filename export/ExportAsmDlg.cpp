@@ -68,13 +68,13 @@ TfrmExportAsm::TfrmExportAsm(TForm& owner)
       btnAbbruch(*this, TButtonRole::Default),
       ASMFile(*this),
       SpeedButton1(*this) {
-  frmExportAsm = this;
   SetLeastClientSize(kLeastWidth, kLeastHeight);
   DesignTree();
   DesignButtons();
   OnShow = [this] { FormShow(); };
   OnActivate = [this] { FormActivate(); };
   OnClose = [this] { FormClose(); };
+  frmExportAsm = this;  // last: after an error in here there is no dialog
 }
 
 TfrmExportAsm::~TfrmExportAsm() {
@@ -203,8 +203,7 @@ void TfrmExportAsm::ASMTreeListcxDBTreeListColumn3ValidateDrawValue(const Unicod
   warning.Shown = true;
 }
 
-/// The name goes into the statement as it is: names of Inventor files have no quote, and nothing shows this
-/// button.
+/// The name goes into the statement as it is, quotes too: nothing shows this button.
 void TfrmExportAsm::SpeedButton1Click() {
   const UnicodeString name = ChangeFileExtension(ASMFile.Text(), u"");
   const UnicodeString id = nxQuery1.Field(u"AutoID").AsText();

@@ -87,7 +87,7 @@ void TfrmExportAsm::btnExportClick() {
   SaveDialog.InitialDir = ReadProfileText(frmMain->ProgrammPfad + frmMain->ProgrammIni, u"ExportAsm",
                                           u"DestPath", DesktopOrMessage());
   SaveDialog.FileName = ChangeFileExtension(fAsmFile, u".zip");
-  if (!SaveDialog.Execute(*this)) return;
+  if (Application->Terminated() || !SaveDialog.Execute(*this) || Application->Terminated()) return;
   ExportTo(SaveDialog.FileName);
   Close();
 }

@@ -19,6 +19,7 @@ UnicodeString InputOutputText(std::int32_t code) {
     case 100:
       return u"Lesen hinter dem Dateiende";
     case 101:
+    case 112:  // the system's code for it
       return u"Datenträger voll";
     case 106:
       return u"Ungültige numerische Eingabe";

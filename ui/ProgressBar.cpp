@@ -26,9 +26,10 @@ void TProgressBar::Repaint() {
     Window().SetBar(begin, begin + kPingPongWidth);
     Window().SetText(fText);
   } else {
-    const double part = std::clamp(static_cast<double>(fPosition) / std::max(fMax, 1), 0.0, 1.0);
-    Window().SetBar(0, part);
-    Window().SetText(DecimalText(static_cast<std::int64_t>(part * 100)) + u" %");
+    const int max = std::max(fMax, 1);
+    const int position = std::clamp(fPosition, 0, max);
+    Window().SetBar(0, static_cast<double>(position) / max);
+    Window().SetText(DecimalText(std::int64_t{100} * position / max) + u" %");
   }
   Window().Repaint();
 }

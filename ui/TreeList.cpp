@@ -67,7 +67,7 @@ TTreeListEvents TTreeList::Events() {
       .OnMouse = [this](TTreeListMouse action, std::size_t line) { MouseUsed(action, line); },
       .OnHeaderClick =
           [this](std::size_t column) {
-            if (OnColumnHeaderClick) OnColumnHeaderClick(*fVisible.at(column));
+            if (OnColumnHeaderClick && !Application->Busy()) OnColumnHeaderClick(*fVisible.at(column));
           },
       .OnWidthChanged = [this] { FitWidths(); },
   };
@@ -288,13 +288,13 @@ void TTreeList::FullCollapse() {
 }
 
 void TTreeList::KeyPressed(TTreeKey key) {
-  if (Updating()) return;
+  if (Updating() || Application->Busy()) return;
   Perform(true, [this, key] { fModel.Press(key, fNative.PageSize()); });
 }
 
 /// The same letter again looks for the next row that begins with it.
 void TTreeList::LetterTyped(char16_t letter, bool continued) {
-  if (Updating() || fModel.NodeCount() == 0 || fVisible.empty()) return;
+  if (Updating() || Application->Busy() || fModel.NodeCount() == 0 || fVisible.empty()) return;
   if (!continued) {
     if (letter == u'+') return KeyPressed(TTreeKey::Open);
     if (letter == u'-') return KeyPressed(TTreeKey::Close);
@@ -314,7 +314,7 @@ void TTreeList::LetterTyped(char16_t letter, bool continued) {
 }
 
 void TTreeList::MouseUsed(TTreeListMouse action, std::size_t line) {
-  if (Updating() || line >= fModel.LineCount()) return;
+  if (Updating() || Application->Busy() || line >= fModel.LineCount()) return;
   const std::size_t node = fModel.NodeAt(line);
   if (action == TTreeListMouse::Select) {
     Perform(true, [this, node] { fModel.MakeCurrent(node); });

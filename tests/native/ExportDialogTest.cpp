@@ -128,36 +128,6 @@ TEST_F(ExportDialogTest, HiddenFeaturesWorkOnTheTable) {
             }});
 }
 
-TEST_F(ExportDialogTest, ErrorsLeaveTheDialogOpen) {
-  Simulation.FailCall = 20;
-  Simulation.FailText = u"Gesperrt";
-  Machine().PressOkAfter = {0};
-  const TLines failed = RunExport(
-      u"C:\\P\\g.iam", {[] {
-                          EXPECT_TRUE(TTree::Frozen()) << "the tree stays in its update state";
-                          EXPECT_TRUE(TTree::Lines().empty());
-                          EXPECT_EQ(frmExportAsm->nxQuery1.RowCount(), 3U) << "the rows so far stay";
-                          EXPECT_TRUE(Machine().HourGlass);
-                        },
-                        [] { TDialog::PressEscape(); }});
-  EXPECT_TRUE(Has(failed, "error box \"Velmora\": Gesperrt"));
-  EXPECT_EQ(std::ranges::count(Trace, "server.OpenDocument(\"C:\\P\\g.iam\")"), 2)
-      << "no new scan after the box";
-  EXPECT_EQ(failed.back(), "0 quit");
-  EXPECT_EQ(LiveObjects(), 0);
-
-  // A file where the folder of the database should be: the showing and the activation fail.
-  Simulation.FailCall = 0;
-  std::filesystem::remove_all(headless::HostPath(u"C:\\Users\\Größe\\AppData"));
-  WriteFile(u"C:\\Users\\Größe\\AppData\\VelMora\\DBExt", "");
-  Machine().PressOkAfter = {0, 0};
-  const TLines missing = RunExport(u"C:\\P\\g.iam", {[] { TDialog::PressEscape(); }});
-  EXPECT_TRUE(
-      Has(missing, "Der Datenbankordner \"C:\\Users\\Größe\\AppData\\VelMora\\DBExt\" ist nicht vorhanden."));
-  EXPECT_TRUE(Has(missing, "Die Datenbank ist nicht geöffnet."));
-  EXPECT_EQ(missing.back(), "0 quit");
-}
-
 TEST_F(ExportDialogTest, ExportPacksEveryFileThatExists) {
   WriteFile(u"C:\\Users\\Größe\\AppData\\VelMora\\Velmora.ini", "[ExportAsm]\r\nDestPath=C:\\Anderswo\r\n");
   WriteFile(u"C:\\Ziel\\Archiv.zip", "altes Archiv");

@@ -28,23 +28,6 @@ std::size_t Count(const std::string& page, const std::string& text) {
 
 }  // namespace
 
-TEST(HtmlListing, TextsAreEscapedWhereverTheyStand) {
-  const struct {
-    UnicodeString Text;
-    std::string Written;
-  } cases[] = {
-      {u"</title><b>&amp;\"'", "&lt;/title&gt;&lt;b&gt;&amp;amp;&quot;&#39;"},
-      {u"Größe € \U0001F600\t", "Größe € \U0001F600\t"},
-      {UnicodeString(u"\0\x01\x1F\x7F\x85", 5), "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
-      {{0xD800, u'a', 0xDC00, u'b', 0xFFFE, 0xFDD0}, "\uFFFDa\uFFFDb\uFFFD\uFFFD"},
-      {{0xD83F, 0xDFFE, 0xD83E, 0xDFFE}, "\uFFFD\uFFFD\U0001FBFE"},
-  };
-  for (const auto& test : cases) {
-    const std::string page = Listing(test.Text, {{0, ICON_PART, test.Text, test.Text, test.Text}});
-    EXPECT_EQ(Count(page, test.Written), 5) << test.Written << ": title, heading, three columns";
-  }
-}
-
 TEST(HtmlListing, ShowsLevelsKindsAndMissingFiles) {
   const TListingRow part{2, ICON_PART, u"2", u"Deckel", u"C:\\d.ipt", true};
   const TListingRow assembly{0, ICON_ASSEMBLY, u"1", u"Pumpe", u"C:\\p.iam"};

@@ -90,12 +90,6 @@ TEST_F(PropertyListTest, EntriesAreFoundByTheTextBeforeAnyOfTheirEqualSigns) {
   EXPECT_EQ(Entries(list), (std::vector<std::string>{"a=x"}));
 }
 
-TEST_F(PropertyListTest, TheEmptyNameIsStandardInput) {
-  EXPECT_EQ(ErrorCode(u""), 6) << "the process has none";
-  headless::Machine().StandardInput = "A\n1\n";
-  EXPECT_EQ(Entries(ReadPropertyListFile(u"", u"REV").Properties), (std::vector<std::string>{"A=1"}));
-}
-
 TEST_F(PropertyListTest, FilesThatCannotBeReadAreReportedByTheFirstRead) {
   EXPECT_EQ(ErrorCode(u"C:\\fehlt.txt"), 104);
   EXPECT_EQ(ErrorCode(u"C:\\Temp"), 104) << "a folder";

@@ -63,36 +63,6 @@ TEST_F(ShellTest, EndsOrStaysAsTheArgumentsSay) {
   }
 }
 
-TEST_F(ShellTest, StandsOverTheMiddleOfTheHost) {
-  struct {
-    UnicodeString Title;
-    TRect Bounds;
-    int Dpi;
-    std::string Placed;
-  } const cases[] = {
-      {u"Projekt - VelMora 12", {0, 0, 1920, 1080}, 96, "810,505 300x70"},
-      {u"VelMora", {-500, -300, -99, 100}, 96, "-450,-135 300x70"},  // no clamping to the screen
-      {u"VelMora", {0, 0, 1920, 1080}, 144, "810,505 450x105"},  // the offsets do not scale, the size does
-      {u"Velmora", {0, 0, 1920, 1080}, 96, "490,477 300x70"},    // another case: no host
-      {UnicodeString(247, u'x') + u"VelMora", {0, 0, 1920, 1080}, 96, "810,505 300x70"},
-      {UnicodeString(248, u'x') + u"VelMora",
-       {0, 0, 1920, 1080},
-       96,
-       "490,477 300x70"},  // cut off in the title
-  };
-  for (const auto& test : cases) {
-    TDesktopWindow other{u"Anderes", {5, 5, 10, 10}};
-    TDesktopWindow host{test.Title, test.Bounds};
-    TDesktopWindow behind{u"VelMora", {100, 100, 200, 200}};
-    Machine().ZOrder = {&other, &host};
-    if (test.Placed.starts_with("810")) Machine().ZOrder.push_back(&behind);  // the first in Z order wins
-    Machine().Dpi = test.Dpi;
-    EXPECT_EQ(Placed(), test.Placed) << Utf8FromText(test.Title);
-    EXPECT_EQ(Machine().ZOrder.front(), &other) << "the program's own windows have gone";
-    Machine().ZOrder.clear();
-  }
-}
-
 TEST_F(ShellTest, ReadsItsSettings) {
   struct {
     const char* Lines;

@@ -42,10 +42,6 @@ TDispatch Item(const TDispatch& object, std::int32_t index) {
 TVariant Text(const char16_t* text) {
   return TVariant::Text(text);
 }
-std::string Utf8(const TVariant& text) {
-  return Utf8FromText(text.AsText());
-}
-
 const std::string kPart =
     R"({"propertySets": [{"properties": [{"name": "Größe", "type": "text", "value": "M 8"}]}],
         "references": ["a.ipt", "b.ipt"]})";
@@ -129,43 +125,6 @@ TEST_F(SimulatorTest, RefusesCallsThatItsInterfacesDoNotHave) {
     }
     EXPECT_EQ(trace.back(),
               test.Trace + " ! " + Utf8FromText(HexText(static_cast<std::uint32_t>(test.Code))));
-  }
-}
-
-TEST_F(SimulatorTest, SwitchesDecideAboutPastEndAndDuplicates) {
-  const std::string lenient = R"({"pastEnd": "empty", "duplicateProperty": "accept",)";
-  const struct {
-    std::string Document;
-    std::optional<TPastEnd> PastEnd;
-    std::optional<TDuplicateProperty> Duplicate;
-    bool Lenient;
-  } cases[] = {
-      {"{", {}, {}, false},
-      {lenient, {}, {}, true},
-      {"{", TPastEnd::Empty, TDuplicateProperty::Accept, true},
-      {lenient, TPastEnd::Error, TDuplicateProperty::Refuse, false},
-  };
-  for (const auto& test : cases) {
-    SetPart("{", test.Document);
-    settings.PastEnd = test.PastEnd;
-    settings.DuplicateProperty = test.Duplicate;
-    const TDispatch server = NewServer();
-    const TDispatch document = Open(server);
-    const TDispatch set = Item(Child(document, kPropertySets), 1);
-    EXPECT_EQ(ErrorOf(set, kItem, kGet, {TVariant::Int32(2)}).Code(), test.Lenient ? 0 : kBadIndex);
-    EXPECT_EQ(ErrorOf(set, kItem, kGet, {TVariant::Int32(-1)}).Code(), kBadIndex);
-    if (test.Lenient) {
-      const TDispatch none = Item(set, 2);
-      EXPECT_EQ(Utf8(Call(none, kName, kGet)), "");
-      EXPECT_EQ(Call(none, kValue, kGet).Type(), TVarType::Empty);
-      EXPECT_NE(ErrorOf(none, kDelete, kMethod).Code(), 0);
-    }
-    const EError error =
-        ErrorOf(set, kAddProperty, kMethod, {TVariant::Int32(1), Text(u"Größe"), TVariant::Int32(0)});
-    EXPECT_STREQ(error.what(), test.Lenient ? "" : "Die Eigenschaft \"Größe\" ist schon vorhanden.");
-    // Another case is another name.
-    Call(set, kAddProperty, kMethod, {TVariant::Int32(1), Text(u"größe"), TVariant::Int32(0)});
-    EXPECT_EQ(Call(set, kCount, kGet).AsInteger(), test.Lenient ? 3 : 2);
   }
 }
 

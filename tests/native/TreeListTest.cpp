@@ -56,22 +56,6 @@ class TreeListTest : public TMachineTest {
 
 }  // namespace
 
-TEST_F(TreeListTest, ShowsWhatTheQueryHolds) {
-  Fill();
-  fList.EndUpdate();
-  EXPECT_EQ(TScreen::Lines(), (TLines{"> [-] 7 | 1 | Wanne", "    [+] 7 | 2 | Rad", "      7 | 4 | Achse"}));
-  EXPECT_EQ(TScreen::Info(), "1 von 4");
-  EXPECT_EQ(TScreen::Headers(), "* | Bezeichnung");
-  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{100, 300}));
-  EXPECT_EQ(fQuery.Row(), 0U);
-  Insert(3, u"Ring");
-  EXPECT_EQ(TScreen::Info(), "5 von 5") << "without an update state a new row is shown at once";
-  EXPECT_EQ(fQuery.Row(), 4U);
-  fQuery.Close();
-  EXPECT_EQ(TScreen::Lines(), TLines());
-  EXPECT_EQ(TScreen::Info(), "0 von 0");
-}
-
 TEST_F(TreeListTest, OthersGiveWayToTheFittedTreeColumn) {
   Fill();
   fId->ApplyBestFit();

@@ -233,23 +233,3 @@ TEST(ZipRecordsTest, TheLongFormIsUsedWhereANumberDoesNotFit) {
   EXPECT_EQ(zip_records::DirectoryEnd(65'536, 0, 0).size(), 98U);
   EXPECT_EQ(zip_records::DirectoryEnd(1, kMost + 1, 0).size(), 98U);
 }
-
-TEST(ZipRecordsTest, TimesAreClampedToTheFormat) {
-  struct {
-    TLocalTime Time;
-    std::uint32_t Packed;
-  } const cases[] = {
-      {{}, 0x00210000},
-      {{1979, 12, 31, 23, 59, 59}, 0x00210000},
-      {{2024, 3, 15, 13, 14, 15}, 0x586F69C7},
-      {{2107, 12, 31, 23, 59, 60}, 0xFF9FBF7D},
-      {{2108, 1, 1, 0, 0, 0}, 0xFF9FBF7D},
-  };
-  for (const auto& test : cases) {
-    const std::string header = zip_records::LocalHeader({"a", test.Time});
-    std::uint32_t packed = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-      packed |= static_cast<std::uint32_t>(static_cast<unsigned char>(header[10 + i])) << 8 * i;
-    EXPECT_EQ(packed, test.Packed) << test.Time.Year;
-  }
-}

@@ -42,6 +42,7 @@ std::optional<LRESULT> TNativeWindow::TImpl::Close(WPARAM, LPARAM) {
   Application->Guard([this] {
     if (Events.OnClose) Events.OnClose();
   });
+  WakeModalLoop();
   return 0;
 }
 
@@ -72,7 +73,14 @@ std::optional<LRESULT> TNativeWindow::TImpl::Command(WPARAM wParam, LPARAM lPara
   TImpl* const button = Of(reinterpret_cast<HWND>(lParam));
   if (HIWORD(wParam) != BN_CLICKED || button == nullptr || !button->Events.OnClick) return std::nullopt;
   Application->Guard(button->Events.OnClick);
+  WakeModalLoop();
   return 0;
+}
+
+/// A message that another program or a screen reader has sent, and not posted, does not bring the loop to ask
+/// whether the dialog has ended.
+void TNativeWindow::TImpl::WakeModalLoop() const noexcept {
+  ::PostMessageW(Window.Get(), WM_NULL, 0, 0);
 }
 
 std::optional<LRESULT> TNativeWindow::TImpl::TellDefaultButton(WPARAM, LPARAM) {

@@ -23,8 +23,8 @@ struct TNativeWindow::TImpl {
   double BarBegin = 0;
   double BarEnd = 0;
   WNDPROC SystemProc = nullptr;  // of a progress bar
-  TWindow Window{};              // the first to go: its last messages still reach the rest
   TWindow ToolTip{};
+  TWindow Window{};  // the first to go: its last messages still reach the rest
 
   static TImpl* Of(HWND window) {
     return reinterpret_cast<TImpl*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
@@ -50,6 +50,8 @@ struct TNativeWindow::TImpl {
     PaintPanel(dc, area, std::max(1, ScaledToDpi(1, Dpi)));
   }
   void PaintAsLabel(HDC dc, const RECT& area) const { PaintCentredText(dc, area, Wide(Text), Font.Get()); }
+
+  void WakeModalLoop() const noexcept;
 
   // A form's messages: nothing where the system's own handling is wanted as well.
   std::optional<LRESULT> Close(WPARAM wParam, LPARAM lParam);
