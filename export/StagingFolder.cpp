@@ -38,11 +38,17 @@ void CheckStagingFolder(TextView folder, TextView archive, TQuery& files) {
     throw Refusal(folder, u"Er liegt nicht unmittelbar im temporären Ordner.");
   }
   if (IsLink(own)) throw Refusal(folder, u"Er ist eine Verknüpfung.");
-  if (LiesIn(NormalisedPath(archive), own)) throw Refusal(folder, u"Das Archiv soll darin liegen.");
+  const UnicodeString target = NormalisedPath(archive);
+  if (LiesIn(target, own)) throw Refusal(folder, u"Das Archiv soll darin liegen.");
   const TField file = files.Field(u"Filename");
   for (files.First(); !files.Eof(); files.Next()) {
     const UnicodeString name = file.AsText();
-    if (LiesIn(NormalisedPath(name), own)) throw Refusal(folder, u"Die Datei \"" + name + u"\" liegt darin.");
+    const UnicodeString path = NormalisedPath(name);
+    if (LiesIn(path, own)) throw Refusal(folder, u"Die Datei \"" + name + u"\" liegt darin.");
+    if (SameText(path, target)) {
+      throw EError(TErrorKind::InputOutput, kAccessDenied,
+                   u"Das Archiv würde die Datei \"" + name + u"\" ersetzen.");
+    }
   }
 }
 

@@ -12,7 +12,7 @@ UnicodeString StagingFolder(TextView fileName);
 
 /// Throws EError of kind InputOutput, with a text for the user, when `folder` must not be used: it is no
 /// child of the folder for short-lived files or a link, or a file of the working table or `archive` lies in
-/// it. Looks only.
+/// it; also when `archive` is such a file itself, as what has its name is removed. Looks only.
 void CheckStagingFolder(TextView folder, TextView archive, TQuery& files);
 
 /// Copies the file to the folder, over one of its name. A file that is missing or fails is left out: the

@@ -15,8 +15,8 @@ UnicodeString NormalisedPath(TextView path);
 bool IsLink(TextView path);
 
 /// Copies a file over whatever file has the name `to`, write-protected or a link: a link is replaced, not
-/// followed. `onBlock` is called again and again meanwhile and must not throw. False when it fails; `to` may
-/// then hold a part.
+/// followed. `onBlock` is called again and again meanwhile and must not throw. False when it fails: a source
+/// that cannot be opened leaves what is there, and no copy is left half.
 bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlock);
 
 /// Throws EError of kind InputOutput with the system's code, for a write-protected file too.

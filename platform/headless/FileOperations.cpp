@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/Error.h"
+#include "platform/Files.h"
 #include "platform/headless/Machine.h"
 
 using headless::HostPath;
@@ -54,8 +55,20 @@ bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlo
   std::error_code error;
   if (IsLink(to)) std::filesystem::remove(HostPath(to), error);
   onBlock();
-  return std::filesystem::copy_file(HostPath(from), HostPath(to),
-                                    std::filesystem::copy_options::overwrite_existing, error);
+  const std::filesystem::path target = HostPath(to);
+  const auto copy = [&] {
+    return std::filesystem::copy_file(HostPath(from), target,
+                                      std::filesystem::copy_options::overwrite_existing, error);
+  };
+  if (copy()) return true;
+  if (error == std::errc::permission_denied) {
+    std::filesystem::permissions(target, std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add, error);
+    if (copy()) return true;
+  }
+  const bool isFile = std::filesystem::is_regular_file(target, error);
+  if (isFile && TInputFile::Open(from).IsOpen()) std::filesystem::remove(target, error);
+  return false;
 }
 
 void RemoveFile(TextView path) {

@@ -18,6 +18,12 @@ DWORD CALLBACK CopyProgress(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_I
   return PROGRESS_CONTINUE;
 }
 
+bool OpensForReading(const UnicodeString& systemPath) {
+  const TFileHandle handle(::CreateFileW(Wide(systemPath), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                         nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  return static_cast<bool>(handle);
+}
+
 void AllowWriting(const UnicodeString& systemPath) {
   ::SetFileAttributesW(Wide(systemPath), FILE_ATTRIBUTE_NORMAL);
 }
@@ -39,12 +45,12 @@ UnicodeString Filled(TCall&& call) {
 /// Everything in the folder, or as much of it as lets itself be removed.
 void RemoveContents(const UnicodeString& folder) {
   WIN32_FIND_DATAW found{};
-  const TFindHandle search(::FindFirstFileW(Wide(folder + u"\\*"), &found));
+  const TFindHandle search(::FindFirstFileW(Wide(SystemPath(folder + u"\\*")), &found));
   if (!search) return;
   do {
     const UnicodeString name(FromWide(found.cFileName));
     if (name == u"." || name == u"..") continue;
-    const UnicodeString path = folder + u"\\" + name;
+    const UnicodeString path = SystemPath(folder + u"\\" + name);
     const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     const bool isLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if ((found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0 && !isLink) AllowWriting(path);
@@ -56,6 +62,9 @@ void RemoveContents(const UnicodeString& folder) {
 }  // namespace
 
 UnicodeString NormalisedPath(TextView path) {
+  // The system drops all dots and blanks only from a name that ends the path; "..." before a separator stays.
+  constexpr std::size_t kDriveLength = 3;
+  while (path.size() > kDriveLength && (path.back() == u'\\' || path.back() == u'/')) path.remove_suffix(1);
   const UnicodeString name(path);
   UnicodeString full = Filled(
       [&name](wchar_t* buffer, DWORD size) { return ::GetFullPathNameW(Wide(name), size, buffer, nullptr); });
@@ -82,10 +91,14 @@ bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlo
                          const_cast<std::function<void()>*>(&onBlock), nullptr, 0) != 0;
   };
   if (copy()) return true;
-  if (::GetLastError() != ERROR_ACCESS_DENIED) return false;
-  // The copy before it has taken the write protection over from its source.
-  AllowWriting(target);
-  return copy();
+  if (::GetLastError() == ERROR_ACCESS_DENIED) {
+    // The copy before it has taken the write protection over from its source.
+    AllowWriting(target);
+    if (copy()) return true;
+  }
+  // Where the source can be read the copy has failed on its way, on a full disk say. Wine leaves the part.
+  if (OpensForReading(source)) ::DeleteFileW(Wide(target));
+  return false;
 }
 
 void RemoveFile(TextView path) {

@@ -71,7 +71,7 @@ bool FolderExists(TextView path) {
 }
 
 bool FileExists(TextView path) {
-  const DWORD attributes = ::GetFileAttributesW(Wide(UnicodeString(path)));
+  const DWORD attributes = ::GetFileAttributesW(Wide(SystemPath(path)));
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 

@@ -9,13 +9,6 @@
 
 namespace {
 
-/// Of what the build puts beside the tests.
-std::filesystem::path BuiltPath(const std::wstring& file) {
-  std::wstring name(32'768, L'\0');
-  name.resize(::GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
-  return std::filesystem::path(name).parent_path() / file;
-}
-
 /// A pipe that holds `text` and whose writer has gone.
 TFileHandle PipeWith(const std::string& text) {
   HANDLE read = nullptr;
@@ -29,6 +22,12 @@ TFileHandle PipeWith(const std::string& text) {
 }
 
 }  // namespace
+
+std::wstring BuiltPath(const std::wstring& file) {
+  std::wstring name(32'768, L'\0');
+  name.resize(::GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
+  return (std::filesystem::path(name).parent_path() / file).wstring();
+}
 
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
   const ULONGLONG end = ::GetTickCount64() + milliseconds;
@@ -72,7 +71,7 @@ THostWindow::THostWindow(const wchar_t* title, RECT bounds, bool visible)
 
 TProgram::TProgram(const std::wstring& arguments, const TEnvironment& changes,
                    const std::optional<std::string>& standardInput) {
-  const std::wstring executable = BuiltPath(L"VelmoraInventor.exe").wstring();
+  const std::wstring executable = BuiltPath(L"VelmoraInventor.exe");
   std::wstring commandLine = L"\"" + executable + L"\" " + arguments;
   for (const auto& [name, value] : changes) ::SetEnvironmentVariableW(name.c_str(), value.c_str());
   const TFileHandle input = standardInput ? PipeWith(*standardInput) : TFileHandle();
@@ -101,18 +100,21 @@ TProgram::~TProgram() {
   ::WaitForSingleObject(fProcess.Get(), 10'000);
 }
 
-HWND TProgram::FindOwnWindow(const wchar_t* className) const {
+HWND TProgram::FindOwnWindow(const wchar_t* className, const wchar_t* title) const {
   for (HWND window = ::GetTopWindow(nullptr); window != nullptr; window = ::GetWindow(window, GW_HWNDNEXT)) {
     DWORD owner = 0;
     ::GetWindowThreadProcessId(window, &owner);
-    if (owner == fId && ClassOf(window) == className && ::IsWindowVisible(window)) return window;
+    if (owner == fId && ClassOf(window) == className && ::IsWindowVisible(window) &&
+        (title == nullptr || TextOf(window) == title)) {
+      return window;
+    }
   }
   return nullptr;
 }
 
-HWND TProgram::VisibleWindow(const wchar_t* className) const {
+HWND TProgram::VisibleWindow(const wchar_t* className, const wchar_t* title) const {
   HWND window = nullptr;
-  WaitUntil([&] { return (window = FindOwnWindow(className)) != nullptr || HasEnded(); });
+  WaitUntil([&] { return (window = FindOwnWindow(className, title)) != nullptr || HasEnded(); });
   return window;
 }
 

@@ -13,6 +13,9 @@
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 
+/// Of what the build puts beside the tests.
+std::wstring BuiltPath(const std::wstring& file);
+
 /// Waits until `condition` holds, at most `milliseconds`; returns whether it does.
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 20'000);
 
@@ -55,15 +58,16 @@ class TProgram {
   bool WaitForStatus(const std::wstring& text) const;
   /// A message box of the program once it is open; null when it does not come.
   HWND MessageBox() const { return VisibleWindow(L"#32770"); }
-  /// A top-level window of the program once it is visible; null when it does not come.
-  HWND VisibleWindow(const wchar_t* className) const;
+  /// A top-level window of the program once it is visible, of any title unless one is given; null when it
+  /// does not come.
+  HWND VisibleWindow(const wchar_t* className, const wchar_t* title = nullptr) const;
 
   bool HasEnded() const { return ::WaitForSingleObject(fProcess.Get(), 0) == WAIT_OBJECT_0; }
   /// Nothing when it does not end by itself.
   std::optional<DWORD> WaitForExit() const;
 
  private:
-  HWND FindOwnWindow(const wchar_t* className) const;
+  HWND FindOwnWindow(const wchar_t* className, const wchar_t* title = nullptr) const;
 
   TFileHandle fProcess;
   DWORD fId = 0;

@@ -165,6 +165,7 @@ TEST_F(ExportDialogTest, FailuresOfTheExportLoseNothing) {
       {u"C:\\P\\g.iam", u"C:\\gibt\\es\\nicht.zip", "Datei nicht gefunden"},
       {u"C:\\P\\g.iam", u"C:\\Temp\\g.iam\\drin.zip", "Das Archiv soll darin liegen."},
       {u"C:\\Temp\\x.iam\\x.iam", u"C:\\Ziel.zip", "Die Datei \"C:\\Temp\\x.iam\\x.iam\" liegt darin."},
+      {u"C:\\P\\g.iam", u"C:/P/A.ipt", "Das Archiv würde die Datei \"C:\\P\\a.ipt\" ersetzen."},
       {u"C:\\leer.iam", u"C:\\Ziel.zip", "Er ist eine Verknüpfung."},
       {u"C:\\Q\\y.iam", u"C:\\Ziel.zip", "kann nicht angelegt werden"},
       {u"C:/P/g.iam", u"C:\\Ziel.zip", "Er liegt nicht unmittelbar im temporären Ordner."},

@@ -1,0 +1,75 @@
+#include "platform/FileOperations.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/Error.h"
+#include "platform/Files.h"
+#include "platform/System.h"
+
+// What every back end owes to the export. Not here: links, which not every user of Windows may make, and the
+// calls while a file is copied, which Wine leaves out.
+
+TEST(FileOperationsContract, NormalisedPathsCanBeCompared) {
+  struct {
+    TextView Path;
+    TextView Normalised;
+  } const cases[] = {
+      {u"C:\\", u"C:"},
+      {u"C:/P//Größe.iam/", u"C:\\P\\Größe.iam"},
+      {u"C:\\..\\P\\.\\q\\..\\r", u"C:\\P\\r"},
+      {u"C:\\P\\..", u"C:"},
+      {u"C:\\P\\...\\", u"C:\\P"},
+      {u"C:\\P\\q. .", u"C:\\P\\q"},
+      {u"C:\\P\\q~1\\x:y", u"C:\\P\\q~1\\x:y"},  // no short name of anything
+  };
+  for (const auto& test : cases) {
+    EXPECT_EQ(Utf8FromText(NormalisedPath(test.Path)), Utf8FromText(test.Normalised));
+  }
+  const UnicodeString longPath = u"C:\\P\\" + UnicodeString(200, u'ä') + u"\\" + UnicodeString(200, u'ö');
+  EXPECT_EQ(NormalisedPath(longPath + u"\\"), longPath);
+}
+
+TEST(FileOperationsContract, FilesAreCopiedRenamedAndRemoved) {
+  const UnicodeString folder = EnvironmentVariable(u"TEMP") + u"\\Umgang ß";
+  const auto path = [&folder](TextView name) { return (folder + u"\\").append(name); };
+  const auto read = [&path](TextView name) {
+    std::string bytes(100, ' ');
+    bytes.resize(FileExists(path(name)) ? TInputFile::OpenShared(path(name)).Read(bytes) : 0);
+    return bytes;
+  };
+  RemoveFolder(folder);
+  const UnicodeString deep = UnicodeString(120, u'e') + u"\\" + UnicodeString(120, u'ü');
+  for (const TextView name : {TextView(deep), TextView(u"Ordner")}) ASSERT_TRUE(CreateFolders(path(name)));
+  TOutputFile(path(u"lang"), TCreate::New).Write(std::string("ein längerer Inhalt als der neue"));
+  TOutputFile(path(u"Öl \U0001F529 & 'x' %TEMP%"), TCreate::New).Write(std::string("neu"));
+  struct {
+    UnicodeString From;
+    UnicodeString To;
+    bool Copied;
+    std::string Content;
+  } const copies[] = {
+      {u"Öl \U0001F529 & 'x' %TEMP%", u"lang", true, "neu"},
+      {u"lang", deep + u"\\tief", true, "neu"},
+      {deep + u"\\tief", u"b", true, "neu"},
+      {u"fehlt", u"b", false, "neu"},
+      {u"Ordner", u"b", false, "neu"},
+      {u"b", u"fehlt\\x", false, ""},
+      {u"b", u"Ordner", false, ""},
+  };
+  for (const auto& test : copies) {
+    EXPECT_EQ(CopyFileOver(path(test.From), path(test.To), [] {}), test.Copied) << Utf8FromText(test.To);
+    EXPECT_EQ(read(test.To), test.Content) << Utf8FromText(test.To);
+  }
+  EXPECT_FALSE(IsLink(path(u"b")) || IsLink(path(u"Ordner")) || IsLink(path(u"fehlt")));
+
+  EXPECT_THROW(RenameFile(path(u"fehlt"), path(u"b")), EError);
+  EXPECT_THROW(RenameFile(path(u"b"), path(u"fehlt\\b")), EError);
+  EXPECT_THROW(RenameFile(path(u"b"), path(u"Ordner")), EError);
+  TOutputFile(path(u"c"), TCreate::New).Write(std::string("c"));
+  RenameFile(path(u"c"), path(u"b"));
+  EXPECT_EQ(read(u"b"), "c");
+  RemoveFile(path(u"b"));
+  EXPECT_THROW(RemoveFile(path(u"b")), EError);
+  RemoveFolder(folder);
+  EXPECT_FALSE(FolderExists(folder));
+}

@@ -1,0 +1,183 @@
+#include <shlobj.h>
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "tests/e2e/Support.h"
+
+namespace {
+
+const std::wstring kAssembly = L"Prüf & 'Stand' 100% \U0001F529.iam";
+const std::wstring kStaging = L"Temp\\" + kAssembly;
+
+/// Keeps everybody else out of a file while it lives; creates it when it is missing.
+TFileHandle Locked(const std::wstring& path) {
+  return TFileHandle(::CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_ALWAYS, 0, nullptr));
+}
+
+/// A run of the program whose user exports.
+class TExport {
+ public:
+  TExport(const std::wstring& assembly, const TProgram::TEnvironment& environment)
+      : Program(L"/E \"" + assembly + L"\"", environment), Dialog(Program) {}
+
+  /// The click waits until the scan has ended.
+  HWND OpenSaveDialog() const {
+    ::PostMessageW(Dialog.Button(L"Exportieren"), BM_CLICK, 0, 0);
+    return Program.VisibleWindow(L"#32770", L"Baugruppe exportieren nach");
+  }
+  static HWND NameField(HWND saveDialog) { return ::GetDlgItem(saveDialog, 1152); }
+  static void Press(HWND saveDialog, WORD button) { ::PostMessageW(saveDialog, WM_COMMAND, button, 0); }
+
+  void ExportAs(const std::wstring& name) const {
+    const HWND saveDialog = OpenSaveDialog();
+    ::SendMessageW(NameField(saveDialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    Press(saveDialog, IDOK);
+  }
+  /// The text of the program's box once it is open; closes it.
+  std::wstring TextOfClosedBox() const {
+    const HWND box = Program.VisibleWindow(L"#32770", L"Velmora");
+    std::wstring text = TextOf(::GetDlgItem(box, 0xFFFF));
+    ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+    EXPECT_TRUE(WaitUntil([box] { return !::IsWindow(box); }));
+    return text;
+  }
+
+  const TProgram Program;
+  const TExportDialog Dialog;
+};
+
+class ExportRun : public EndToEnd {
+ protected:
+  ExportRun() {
+    std::filesystem::create_directories(Path(L"Temp"));
+    std::filesystem::create_directories(Path(L"Ziel"));
+  }
+
+  /// Runs the export of an assembly in `folder` that references these files.
+  TExport StartExport(const std::filesystem::path& folder,
+                      const std::vector<std::wstring>& references) const {
+    std::ofstream file(folder / kAssembly, std::ios::binary);
+    file << R"({"references": [")";
+    for (const std::wstring& name : references) {
+      file << (&name == &references[0] ? "" : R"(", ")") << Utf8FromText(FromWide(name.c_str()));
+    }
+    file << R"("]})";
+    file.close();
+    return {(folder / kAssembly).wstring(), Environment({{L"TMP", Path(L"Temp")}})};
+  }
+  /// Removes the archive.
+  void ExpectExported(const TExport& run, const std::wstring& archive) const {
+    EXPECT_EQ(run.Program.WaitForExit(), 0U);
+    EXPECT_TRUE(std::filesystem::remove(archive));
+    EXPECT_FALSE(Exists(kStaging));
+    EXPECT_EQ(Trace().back(), "alive 0");
+  }
+};
+
+}  // namespace
+
+TEST_F(ExportRun, PacksEveryFileThatExists) {
+  // What stays here is compared with the archive by other readers after this test.
+  const std::filesystem::path kept(BuiltPath(L"exported"));
+  std::filesystem::remove_all(kept);
+  std::filesystem::create_directories(kept / L"Inhalt");
+  std::ofstream(kept / L"Archiv.zip") << "altes Archiv";
+  std::vector<std::wstring> references = {L"fehlt.ipt"};
+  for (const wchar_t* name : {L"a.ipt", L"gesperrt.ipt"}) {
+    WriteFile(name, "an anderer Stelle");
+    references.push_back(std::filesystem::path(Path(name)).generic_wstring());
+  }
+  const std::wstring longName = std::wstring(246, L'x') + L".ipt";
+  for (const std::wstring& name :
+       {std::wstring(L"Öl & 'Fett' 100%.ipt"), std::wstring(L"\U0001F529  Schraube.ipt"), longName,
+        std::wstring(L"a.ipt")}) {
+    std::ofstream(kept / L"Inhalt" / name) << "Inhalt von " << name.size();
+    references.push_back(name);
+  }
+  // Both files of this name are write-protected, and the later one is packed.
+  const std::wstring sameNames[] = {Path(L"a.ipt"), (kept / L"Inhalt" / L"a.ipt").wstring()};
+  for (const std::wstring& file : sameNames) ::SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
+  const TFileHandle locked = Locked(Path(L"gesperrt.ipt"));
+
+  const TExport run = StartExport(kept / L"Inhalt", references);
+  const HWND saveDialog = run.OpenSaveDialog();
+  EXPECT_EQ(::GetWindow(saveDialog, GW_OWNER), run.Dialog.Window());
+  std::array<wchar_t, MAX_PATH> proposed{};
+  ::SendMessageW(TExport::NameField(saveDialog), WM_GETTEXT, proposed.size(),
+                 reinterpret_cast<LPARAM>(proposed.data()));
+  EXPECT_EQ(std::filesystem::path(kAssembly).replace_extension(L".zip"), proposed.data());
+  TExport::Press(saveDialog, IDCANCEL);
+  EXPECT_TRUE(WaitUntil([&] { return !::IsWindow(saveDialog); }));
+  EXPECT_FALSE(Exists(kStaging));
+  run.ExportAs((kept / L"Archiv").wstring());
+  EXPECT_EQ(run.Program.WaitForExit(), 0U) << "the old archive is replaced without a question";
+  EXPECT_FALSE(Exists(kStaging));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(kept), {}), 2);
+  EXPECT_EQ(Trace().back(), "alive 0");
+  // So that they can be removed.
+  for (const std::wstring& file : sameNames) ::SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(ExportRun, AfterAFailureTheUserCanTryAgain) {
+  const std::wstring refused = L"Der Ordner \"" + Path(kStaging) + L"\\\" kann nicht ";
+  struct {
+    std::wstring LockedFile;  ///< held by the test while the first try fails
+    std::wstring Archive;     ///< of the first try
+    std::wstring Message;     ///< its begin; empty: the system's own
+    bool OldStays;
+    bool StagingStays;
+  } const cases[] = {
+      {L"Ziel\\Archiv.zip", L"Ziel\\Archiv.zip", L"", true, false},
+      {kStaging + L"\\Export.html", L"Ziel\\Archiv.zip", L"", false, true},
+      {kStaging + L"\\Rest.txt", L"Ziel\\Archiv.zip", L"", false, true},  // found when it is packed
+      {L"Temp\\x", kStaging + L"\\drin.zip", refused + L"für den Export verwendet werden: Das Archiv", true,
+       true},
+      {kStaging, L"Ziel\\Archiv.zip", refused + L"angelegt werden.", false, true},
+  };
+  WriteFile(L"a.ipt", "a");
+  const TExport run = StartExport(Path(L""), {L"a.ipt"});
+  for (const auto& test : cases) {
+    SCOPED_TRACE(testing::Message() << "case " << &test - cases);
+    std::filesystem::remove_all(Path(kStaging));
+    WriteFile(L"Ziel\\Archiv.zip", "altes Archiv");
+    if (test.StagingStays && test.LockedFile != kStaging) std::filesystem::create_directory(Path(kStaging));
+    {
+      const TFileHandle locked = Locked(Path(test.LockedFile));
+      ASSERT_TRUE(locked);
+      run.ExportAs(Path(test.Archive));
+      const std::wstring message = run.TextOfClosedBox();
+      EXPECT_EQ(message.substr(0, test.Message.size()), test.Message);
+      EXPECT_FALSE(message.empty());
+    }
+    EXPECT_TRUE(::IsWindowVisible(run.Dialog.Window()));
+    run.Dialog.Click(L"Alle Knoten öffnen");
+    EXPECT_EQ(run.Dialog.Rows().size(), 2U) << "the tree lives again";
+    EXPECT_EQ(ReadFile(L"Ziel\\Archiv.zip"), test.OldStays ? "altes Archiv" : "");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Path(L"Ziel")), {}), test.OldStays ? 1 : 0);
+    EXPECT_EQ(Exists(kStaging), test.StagingStays);
+  }
+  std::filesystem::remove_all(Path(kStaging));
+  std::array<wchar_t, MAX_PATH> desktop{};
+  ::SHGetFolderPathW(nullptr, CSIDL_DESKTOPDIRECTORY, nullptr, SHGFP_TYPE_CURRENT, desktop.data());
+  run.ExportAs(L"velmora-test 1.2.zip");
+  ExpectExported(run, desktop.data() + std::wstring(L"\\velmora-test 1.2.zip"));
+}
+
+TEST_F(ExportRun, NothingHalfIsLeftWhenTheProgramIsKilled) {
+  WriteFile(L"groß.ipt", std::string(100 << 20, 'x'));
+  {
+    const TExport run = StartExport(Path(L""), {L"groß.ipt"});
+    run.ExportAs(Path(L"Ziel\\Archiv.zip"));
+    ASSERT_TRUE(WaitUntil([this] { return Exists(L"Ziel\\~Archiv1.tmp"); }));
+    // The end of the scope kills it.
+  }
+  EXPECT_TRUE(Exists(kStaging));
+  EXPECT_FALSE(Exists(L"Ziel\\Archiv.zip"));
+  WriteFile(L"groß.ipt", "jetzt klein");
+  const TExport run = StartExport(Path(L""), {L"groß.ipt"});
+  run.ExportAs(Path(L"Ziel\\Archiv.zip"));
+  ExpectExported(run, Path(L"Ziel\\Archiv.zip"));
+}
