@@ -20,7 +20,8 @@ std::string Listing(TextView title, const std::vector<TListingRow>& rows) {
 
 std::string Tags(std::string_view page) {
   std::string tags;
-  for (const std::string_view part : fuzz::Split(page, '<')) tags += part.substr(0, part.find('>') + 1);
+  for (const std::string_view part : fuzz::Split(page, '<'))
+    tags.append("<").append(part.substr(0, part.find('>') + 1));
   return tags;
 }
 

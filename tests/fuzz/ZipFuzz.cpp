@@ -48,15 +48,15 @@ std::string Packed(std::string_view data, std::size_t block) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::mt19937 random{1};
-  std::string data;
-  const std::vector<std::string_view> lines = fuzz::Split(fuzz::Bytes(bytes, size), '\n');
-  for (std::size_t i = 1; i < lines.size(); ++i) AppendPart(data, std::string(lines[i]), random);
+  std::string content;
+  const std::vector<std::string_view> lines = fuzz::Split(fuzz::Bytes(data, size), '\n');
+  for (std::size_t i = 1; i < lines.size(); ++i) AppendPart(content, std::string(lines[i]), random);
   const int block = std::atoi(std::string(lines.front()).c_str());
-  std::string packed = Packed(data, static_cast<std::size_t>(std::max(block, 50)));
+  std::string packed = Packed(content, static_cast<std::size_t>(std::max(block, 50)));
 
-  std::string unpacked(data.size() + 1, '\xAA');
+  std::string unpacked(content.size() + 1, '\xAA');
   z_stream stream{};
   fuzz::Require(inflateInit2(&stream, -MAX_WBITS) == Z_OK, "an unpacker");
   stream.next_in = reinterpret_cast<unsigned char*>(packed.data());
@@ -66,6 +66,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   fuzz::Require(inflate(&stream, Z_FINISH) == Z_STREAM_END && stream.avail_in == 0, "the stream is whole");
   unpacked.resize(stream.total_out);
   inflateEnd(&stream);
-  fuzz::Require(unpacked == data, "what was packed comes back");
+  fuzz::Require(unpacked == content, "what was packed comes back");
   return 0;
 }
