@@ -26,6 +26,26 @@ bool IsChildOf(TextView path, TextView folder) {
   return LiesIn(path, folder) && path.find_first_of(u"\\:", folder.size() + 1) == TextView::npos;
 }
 
+/// What speaks against the export as far as the assembly's files go; empty for nothing. All but `files` are
+/// normalised.
+UnicodeString Obstacle(TextView folder, TextView archive, TQuery& files) {
+  const TField file = files.Field(u"Filename");
+  for (files.First(); !files.Eof(); files.Next()) {
+    KeepAlive();
+    const UnicodeString name = file.AsText();
+    const UnicodeString path = NormalisedPath(name);
+    if (LiesIn(path, folder)) return u"Die Datei \"" + name + u"\" liegt darin.";
+    if (SameText(path, archive)) return u"Das Archiv würde die Datei \"" + name + u"\" ersetzen.";
+  }
+  return {};
+}
+
+/// Behind the last separator, "/" too: nothing in the name may lead out of the folder.
+TextView PlainName(TextView file) {
+  const TextView name = FileNameWithoutFolder(file);
+  return name.substr(name.find_last_of(u'/') + 1);
+}
+
 }  // namespace
 
 UnicodeString StagingFolder(TextView fileName) {
@@ -38,21 +58,16 @@ void CheckStagingFolder(TextView folder, TextView archive, TQuery& files) {
     throw Refusal(folder, u"Er liegt nicht unmittelbar im temporären Ordner.");
   }
   if (IsLink(own)) throw Refusal(folder, u"Er ist eine Verknüpfung.");
+  if (FileExists(own)) throw Refusal(folder, u"Dort liegt eine Datei.");
   const UnicodeString target = NormalisedPath(archive);
   if (LiesIn(target, own)) throw Refusal(folder, u"Das Archiv soll darin liegen.");
-  const TField file = files.Field(u"Filename");
-  for (files.First(); !files.Eof(); files.Next()) {
-    const UnicodeString name = file.AsText();
-    const UnicodeString path = NormalisedPath(name);
-    if (LiesIn(path, own)) throw Refusal(folder, u"Die Datei \"" + name + u"\" liegt darin.");
-    if (SameText(path, target)) {
-      throw EError(TErrorKind::InputOutput, kAccessDenied,
-                   u"Das Archiv würde die Datei \"" + name + u"\" ersetzen.");
-    }
-  }
+  const std::size_t row = files.Row();
+  const UnicodeString obstacle = Obstacle(own, target, files);
+  files.GoTo(row);
+  if (!obstacle.empty()) throw Refusal(folder, obstacle);
 }
 
 void StageFile(TextView file, TextView folder) {
   if (!FileExists(file)) return;
-  CopyFileOver(file, UnicodeString(folder).append(FileNameWithoutFolder(file)), [] { KeepAlive(); });
+  CopyFileOver(file, UnicodeString(folder).append(PlainName(file)), [] { KeepAlive(); });
 }

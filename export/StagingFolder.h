@@ -12,9 +12,10 @@ UnicodeString StagingFolder(TextView fileName);
 
 /// Throws EError of kind InputOutput, with a text for the user, when `folder` must not be used: it is no
 /// child of the folder for short-lived files or a link, or a file of the working table or `archive` lies in
-/// it; also when `archive` is such a file itself, as what has its name is removed. Looks only.
+/// it; also when `archive` is such a file itself, as what has its name is removed. Looks only, and leaves the
+/// query's cursor where it was.
 void CheckStagingFolder(TextView folder, TextView archive, TQuery& files);
 
-/// Copies the file to the folder, over one of its name. A file that is missing or fails is left out: the
-/// listing tells of it, and one lost file must not keep a supplier from the others.
+/// Copies the file to the folder, over one of its name. One that is missing or cannot be copied is left out:
+/// the others must not wait for it.
 void StageFile(TextView file, TextView folder);

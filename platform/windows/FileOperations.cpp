@@ -42,6 +42,17 @@ UnicodeString Filled(TCall&& call) {
   return text;
 }
 
+/// Short names made long as far as the path exists: a folder that is yet to be created may lie in one with
+/// such a name.
+UnicodeString WithLongNames(const UnicodeString& path) {
+  const UnicodeString longName =
+      Filled([&path](wchar_t* buffer, DWORD size) { return ::GetLongPathNameW(Wide(path), buffer, size); });
+  if (!longName.empty()) return longName;
+  const std::size_t separator = path.find_last_of(u'\\');
+  if (separator == UnicodeString::npos || separator == 0) return path;
+  return WithLongNames(path.substr(0, separator)) + path.substr(separator);
+}
+
 /// Everything in the folder, or as much of it as lets itself be removed.
 void RemoveContents(const UnicodeString& folder) {
   WIN32_FIND_DATAW found{};
@@ -68,11 +79,7 @@ UnicodeString NormalisedPath(TextView path) {
   const UnicodeString name(path);
   UnicodeString full = Filled(
       [&name](wchar_t* buffer, DWORD size) { return ::GetFullPathNameW(Wide(name), size, buffer, nullptr); });
-  if (full.find(u'~') != UnicodeString::npos) {
-    const UnicodeString longName =
-        Filled([&full](wchar_t* buffer, DWORD size) { return ::GetLongPathNameW(Wide(full), buffer, size); });
-    if (!longName.empty()) full = longName;
-  }
+  if (full.find(u'~') != UnicodeString::npos) full = WithLongNames(full);
   while (full.ends_with(u'\\')) full.pop_back();
   return full;
 }

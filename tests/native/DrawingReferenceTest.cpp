@@ -63,26 +63,3 @@ TEST_F(DrawingReferenceTest, RepointsEveryReferenceBesideTheDrawing) {
   EXPECT_EQ(Run(kRun).at(4), "1500 quit") << "without references it is saved all the same";
   EXPECT_EQ(Calls().at(3) + Calls().at(4), "referencedfiles.Count = 0server.SaveSet");
 }
-
-TEST_F(DrawingReferenceTest, ADrawingToBeMigratedIsLeftAlone) {
-  const std::string before = DocumentWith("", R"("needsMigration": 1, "references": ["X:\\a.ipt"],)");
-  const std::vector<std::string> calls = {"server.OpenDocument(\"D:\\Projekt\\Teil 4711.idw\")",
-                                          "document.NeedsMigration = 1", "document.CloseDocument()",
-                                          "server.CloseServer()"};
-  struct {
-    std::optional<int> PressOk;
-    std::string BoxEnd;
-    std::string Quit;
-  } const cases[] = {{800, "800 box closed", "800 quit"}, {{}, "3600 box ended by quit", "3600 quit"}};
-  for (const auto& test : cases) {
-    WriteFile(kDrawing, before);
-    headless::Machine().PressOkAfter = {test.PressOk};
-    EXPECT_EQ(Run(kRun), (std::vector<std::string>{
-                             "0 text \"Referenz wird geändert...\"", "0 show 490,477 300x70",
-                             "0 paint \"Referenz wird geändert...\"",
-                             "0 plain box \"Velmora\": " + kMigrationText, test.BoxEnd, test.Quit}));
-    EXPECT_EQ(Calls(), calls);
-    EXPECT_EQ(ReadFile(kDrawing), before);
-    EXPECT_EQ(LiveObjects(), 0);
-  }
-}

@@ -24,16 +24,6 @@ std::vector<std::string> Entries(const TPropertyList& list) {
 
 class PropertyListTest : public TMachineTest {};
 
-std::int32_t ErrorCode(TextView fileName) {
-  try {
-    ReadPropertyListFile(fileName, u"REV");
-  } catch (const EError& error) {
-    EXPECT_EQ(error.Kind(), TErrorKind::InputOutput);
-    return error.Code();
-  }
-  return 0;
-}
-
 }  // namespace
 
 TEST_F(PropertyListTest, IsReadInRecordsOfTwoLines) {
@@ -88,13 +78,4 @@ TEST_F(PropertyListTest, EntriesAreFoundByTheTextBeforeAnyOfTheirEqualSigns) {
   }
   list.Delete(0);
   EXPECT_EQ(Entries(list), (std::vector<std::string>{"a=x"}));
-}
-
-TEST_F(PropertyListTest, FilesThatCannotBeReadAreReportedByTheFirstRead) {
-  EXPECT_EQ(ErrorCode(u"C:\\fehlt.txt"), 104);
-  EXPECT_EQ(ErrorCode(u"C:\\Temp"), 104) << "a folder";
-  EXPECT_EQ(ErrorCode(UnicodeString(259, u'x')), 104);
-  EXPECT_EQ(ErrorCode(UnicodeString(260, u'x')), 3);
-  EXPECT_EQ(InputOutputError(104).Message(), u"E/A-Fehler 104");
-  EXPECT_EQ(InputOutputError(3).Message(), u"Ungültiger Dateiname");
 }

@@ -102,14 +102,3 @@ TEST_F(ShellTest, MakesTheDatabaseFolderAndNothingElse) {
   Machine().Environment[u"APPDATA"] = u"C:\\Teil.ipt";
   EXPECT_EQ(Run(kRun).back(), "1500 quit");
 }
-
-TEST_F(ShellTest, AComponentThatCannotBeCreatedIsReportedLikeAnyError) {
-  Machine().PressOkAfter = {1000};
-  RefuseCreation = kClassNotRegistered;
-  const auto log = Run(kRun);
-  EXPECT_EQ(log.at(3), "0 error box \"Velmora\": Klasse nicht registriert");
-  EXPECT_EQ(log.at(4), "1000 box closed");
-  EXPECT_EQ(log.at(5), "3600 quit") << "closed in time, the rest is the timer's";
-  RefuseCreation = kNoInterface;
-  EXPECT_EQ(Run(u"/RI C:\\Teil.ipt").at(3), "0 error box \"Velmora\": Schnittstelle nicht unterstützt");
-}

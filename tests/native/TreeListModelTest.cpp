@@ -83,16 +83,6 @@ TEST(TreeListAttachment, HangsRowsUnderTheirParents) {
   for (const auto& test : cases) EXPECT_EQ(Shape(test.Rows), test.Shape) << test.What;
 }
 
-TEST(TreeListAttachment, TakesAChainAsDeepAsItIs) {
-  std::vector<TTreeRow> rows;
-  for (std::int64_t i = 0; i < 20'000; ++i) rows.push_back({i, i - 1});
-  TTreeListModel model;
-  model.Attach(rows, kRoot);
-  model.OpenAll();
-  ASSERT_EQ(model.LineCount(), rows.size());
-  EXPECT_EQ(model.Level(model.NodeAt(rows.size() - 1)), 19'999);
-}
-
 TEST_F(TreeListModelTest, AnswersKeys) {
   EXPECT_EQ(Seen(), ">-0 +1 +4 6");
   const struct {
