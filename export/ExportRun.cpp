@@ -47,7 +47,7 @@ class TUnfinishedArchive {
     target.remove_suffix(FileNameWithoutFolder(target).size());
     for (int i = 1;; ++i) {
       UnicodeString name = UnicodeString(target).append(u"~Archiv").append(DecimalText(i)).append(u".tmp");
-      if (!FileExists(name)) return name;
+      if (!FileExists(name) && !FolderExists(name)) return name;
     }
   }
 

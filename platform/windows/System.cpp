@@ -66,7 +66,7 @@ void WaitMilliseconds(int milliseconds) {
 }
 
 UnicodeString TemporaryFolder() {
-  UnicodeString folder(MAX_PATH + 1, u'\0');
+  UnicodeString folder(::GetTempPathW(0, nullptr), u'\0');  // with the closing zero
   folder.resize(::GetTempPathW(static_cast<DWORD>(folder.size()), WideBuffer(folder)));
   return folder;
 }

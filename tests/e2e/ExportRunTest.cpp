@@ -135,7 +135,7 @@ TEST_F(ExportRun, AfterAFailureTheUserCanTryAgain) {
       {kStaging + L"\\Rest.txt", L"Ziel\\Archiv.zip", L"", false, true},  // found when it is packed
       {L"Temp\\x", kStaging + L"\\drin.zip", refused + L"für den Export verwendet werden: Das Archiv", true,
        true},
-      {kStaging, L"Ziel\\Archiv.zip", refused + L"angelegt werden.", false, true},
+      {kStaging, L"Ziel\\Archiv.zip", refused + L"für den Export verwendet werden: Dort liegt", true, true},
   };
   WriteFile(L"a.ipt", "a");
   const TExport run = StartExport(Path(L""), {L"a.ipt"});
