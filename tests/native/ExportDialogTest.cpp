@@ -39,8 +39,8 @@ class ExportDialogTest : public TProgramTest {
   }
 
   static bool Has(const TLines& log, const std::string& part) {
-    return std::ranges::any_of(log,
-                               [&part](const std::string& line) { return line.find(part) != line.npos; });
+    return std::ranges::any_of(
+        log, [&part](const std::string& line) { return line.find(part) != std::string::npos; });
   }
 
   /// What an independent reader finds in the archive: "name=content" of each entry, lines and tags left out
@@ -147,6 +147,8 @@ TEST_F(ExportDialogTest, ExportPacksEveryFileThatExists) {
     EXPECT_TRUE(Has(log, bar)) << bar;
   }
   EXPECT_EQ(log.back(), "7 quit");
+  EXPECT_EQ(std::ranges::count(Trace, "server.OpenDocument(\"C:\\P\\g.iam\")"), 2)
+      << "no new scan after the save dialog";
   EXPECT_FALSE(Machine().HourGlass);
 }
 

@@ -63,7 +63,7 @@ class FaultSweepTest : public TProgramTest {
   static bool Exists(TextView path) { return std::filesystem::exists(headless::HostPath(path)); }
   bool Logged(const std::string& part) const {
     return std::ranges::any_of(Machine().Log,
-                               [&part](const auto& line) { return line.find(part) != line.npos; });
+                               [&part](const auto& line) { return line.find(part) != std::string::npos; });
   }
 
   void RunTask(const TTask& task) {
