@@ -1,12 +1,11 @@
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
 
+#include "benchmarks/FreshMachine.h"
 #include "benchmarks/GeneratedAssembly.h"
 #include "export/ExportAsmDlg.h"
 #include "export/HtmlListing.h"
@@ -14,7 +13,6 @@
 #include "inventor/ApprenticeServer.h"
 #include "platform/EntryPoint.h"
 #include "platform/Files.h"
-#include "platform/headless/Machine.h"
 #include "simulator/Simulator.h"
 #include "ui/headless/DialogScreen.h"
 #include "ui/headless/TreeListScreen.h"
@@ -27,30 +25,6 @@ namespace {
 using TTree = headless::TTreeListScreen;
 
 constexpr std::size_t kCopyHeader = 3;
-
-std::size_t HeapInUse() {
-  const auto heap = mallinfo2();
-  return heap.uordblks + heap.hblkhd;
-}
-
-void Check(bool right) {
-  if (!right) std::abort();
-}
-
-/// A machine of its own, with a disk.
-class TFreshMachine {
- public:
-  TFreshMachine() {
-    std::string root = (std::filesystem::temp_directory_path() / "velmora-XXXXXX").string();
-    headless::Machine() = headless::TMachine();
-    headless::Machine().Root = mkdtemp(root.data());
-    headless::Machine().Environment = {{u"TEMP", u"C:\\Temp"}, {u"APPDATA", u"C:\\AppData"}};
-    std::filesystem::create_directories(headless::HostPath(u"C:\\Temp"));
-  }
-  ~TFreshMachine() { std::filesystem::remove_all(headless::Machine().Root); }
-  TFreshMachine(const TFreshMachine&) = delete;
-  TFreshMachine& operator=(const TFreshMachine&) = delete;
-};
 
 /// Runs the program with /E; `user` acts while the dialog is open, and the program ends when he has.
 void WithDialog(const benchmark::State& state, const std::function<void(TfrmExportAsm& form)>& user) {

@@ -1,14 +1,12 @@
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 #include <sqlite3.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
+#include "benchmarks/FreshMachine.h"
 #include "database/Session.h"
 #include "export/WorkingTable.h"
-#include "platform/headless/Machine.h"
 
 // The working table beside statements written by hand.
 
@@ -18,31 +16,16 @@ constexpr std::int64_t kRows = 100'000;
 const UnicodeString kFile = u"C:\\Projekte\\Getriebe 08-15\\Wellen\\Lagerung\\Rillenkugellager 6206.ipt";
 const UnicodeString kName = u"Rillenkugellager 6206";
 
-std::size_t HeapInUse() {
-  const auto heap = mallinfo2();
-  return heap.uordblks + heap.hblkhd;
-}
-
-void Check(bool right) {
-  if (!right) std::abort();
-}
-
 /// An open query on a machine of its own.
 struct TTable {
   TTable() {
-    std::string root = (std::filesystem::temp_directory_path() / "velmora-XXXXXX").string();
-    headless::Machine().Root = mkdtemp(root.data());
-    headless::Machine().Log.clear();
-    std::filesystem::create_directories(headless::HostPath(u"C:\\Temp"));
     Database.Folder = u"C:\\Temp";
     Session.Open();
     Database.Open();
     CreateWorkingTable(Query, u"PC-01");
   }
-  ~TTable() { std::filesystem::remove_all(headless::Machine().Root); }
-  TTable(const TTable&) = delete;
-  TTable& operator=(const TTable&) = delete;
 
+  TFreshMachine Fresh;
   TSession Session;
   TDatabase Database{Session};
   TQuery Query{Database};
@@ -51,8 +34,8 @@ struct TTable {
 void InsertAndWalkByQuery(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
-    const std::size_t before = HeapInUse();
     auto table = std::make_unique<TTable>();
+    const std::size_t before = HeapInUse();
     state.ResumeTiming();
     TQuery& query = table->Query;
     for (std::int64_t i = 0; i < kRows; ++i) InsertFile(query, {kPartImage, kFile, kName, 1, i / 10});

@@ -2,15 +2,12 @@
 
 #include <windows.h>
 
-#include "platform/Error.h"
+#include "platform/windows/LastError.h"
+#include "platform/windows/Links.h"
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/SystemPath.h"
 
 namespace {
-
-EError LastInputOutputError() {
-  return InputOutputError(static_cast<std::int32_t>(::GetLastError()));
-}
 
 DWORD CALLBACK CopyProgress(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, DWORD, DWORD, HANDLE,
                             HANDLE, void* onBlock) {
@@ -63,9 +60,8 @@ void RemoveContents(const UnicodeString& folder) {
     if (name == u"." || name == u"..") continue;
     const UnicodeString path = SystemPath(folder + u"\\" + name);
     const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    const bool isLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    if ((found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0 && !isLink) AllowWriting(path);
-    if (isFolder && !isLink) RemoveContents(path);
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0 && !IsLink(found)) AllowWriting(path);
+    if (isFolder && !IsLink(found)) RemoveContents(path);
     isFolder ? ::RemoveDirectoryW(Wide(path)) : ::DeleteFileW(Wide(path));
   } while (::FindNextFileW(search.Get(), &found));
 }
@@ -85,8 +81,9 @@ UnicodeString NormalisedPath(TextView path) {
 }
 
 bool IsLink(TextView path) {
-  const DWORD attributes = ::GetFileAttributesW(Wide(SystemPath(path)));
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  WIN32_FIND_DATAW found{};
+  const TFindHandle search(::FindFirstFileW(Wide(SystemPath(path)), &found));
+  return search && IsLink(found);
 }
 
 bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlock) {

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "platform/Error.h"
+#include "platform/windows/LastError.h"
+#include "platform/windows/Links.h"
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/SystemPath.h"
 #include "platform/windows/Wide.h"
@@ -16,10 +17,6 @@ bool OpensAsFolder(const UnicodeString& path) {
                                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                          OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
   return static_cast<bool>(handle);
-}
-
-EError LastInputOutputError() {
-  return InputOutputError(static_cast<std::int32_t>(::GetLastError()));
 }
 
 /// By the rules for summer time of its own date, as the system's shell shows it.
@@ -35,12 +32,6 @@ TLocalTime LocalTime(const FILETIME& time) {
 
 std::uint64_t Joined(DWORD high, DWORD low) {
   return std::uint64_t{high} << 32 | low;
-}
-
-/// Not every reparse point leads elsewhere: a file that lies in the cloud, say, is a file.
-bool IsLink(const WIN32_FIND_DATAW& found) {
-  return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-         IsReparseTagNameSurrogate(found.dwReserved0);
 }
 
 TFolderEntry Entry(const WIN32_FIND_DATAW& found) {
@@ -99,8 +90,7 @@ std::vector<TFolderEntry> ListFolder(TextView path) {
   }
   // An empty top folder of a drive has not even the entries "." and "..".
   const DWORD error = ::GetLastError();
-  if (error != ERROR_NO_MORE_FILES && error != ERROR_FILE_NOT_FOUND)
-    throw InputOutputError(static_cast<std::int32_t>(error));
+  if (error != ERROR_NO_MORE_FILES && error != ERROR_FILE_NOT_FOUND) throw InputOutputError(error);
   return entries;
 }
 
@@ -141,7 +131,7 @@ std::size_t TInputFile::Read(std::span<char> buffer) {
   if (::ReadFile(fImpl->Handle, buffer.data(), ClampedSize(buffer.size()), &count, nullptr)) return count;
   const DWORD error = ::GetLastError();
   if (error == ERROR_BROKEN_PIPE) return 0;  // the writer has closed its end: that is the end of the file
-  throw InputOutputError(static_cast<std::int32_t>(error));
+  throw InputOutputError(error);
 }
 
 TInputFile::TState TInputFile::State() const {

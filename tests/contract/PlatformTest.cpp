@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <string>
 
 #include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/System.h"
 #include "platform/Text.h"
+#include "tests/support/InputOutputCode.h"
 
 // What every back end owes to the callers of the texts, files and system calls.
 
@@ -84,19 +84,10 @@ TEST(FilesContract, FilesAreWrittenListedAndRead) {
 
 TEST(FilesContract, ErrorsCarryTheSystemsCode) {
   const UnicodeString missing = EnvironmentVariable(u"TEMP") + u"\\fehlt";
-  const auto codeOf = [](const std::function<void()>& action) {
-    try {
-      action();
-    } catch (const EError& error) {
-      EXPECT_EQ(error.Kind(), TErrorKind::InputOutput);
-      return error.Code();
-    }
-    return 0;
-  };
-  EXPECT_EQ(codeOf([&] { TInputFile::OpenShared(missing); }), 2);
-  EXPECT_NE(codeOf([&] { TInputFile::OpenShared(EnvironmentVariable(u"TEMP")); }), 0) << "a folder";
-  EXPECT_NE(codeOf([&] { ListFolder(missing); }), 0);
-  EXPECT_NE(codeOf([&] { TOutputFile(missing + u"\\a", TCreate::Replace); }), 0);
+  EXPECT_EQ(InputOutputCode([&] { TInputFile::OpenShared(missing); }), 2);
+  EXPECT_NE(InputOutputCode([&] { TInputFile::OpenShared(EnvironmentVariable(u"TEMP")); }), 0) << "a folder";
+  EXPECT_NE(InputOutputCode([&] { ListFolder(missing); }), 0);
+  EXPECT_NE(InputOutputCode([&] { TOutputFile(missing + u"\\a", TCreate::Replace); }), 0);
 }
 
 TEST(SystemContract, MissingThingsGiveTheirDefaults) {

@@ -69,12 +69,11 @@ TEST_F(DocumentTasks, ADrawingToBeMigratedIsRefusedInABox) {
     const TProgram program(Arguments(L"/R", L"alt.idw"), Environment());
     const HWND box = program.MessageBox();
     ASSERT_NE(box, nullptr);
-    EXPECT_EQ(TextOf(box), L"Velmora");
-    EXPECT_EQ(TextOf(::GetDlgItem(box, 0xFFFF)), kMigration);
+    EXPECT_EQ(MessageOf(box), kMigration);
     EXPECT_FALSE(HasIcon(box));
     EXPECT_EQ(::GetWindow(box, GW_OWNER), program.StatusWindow());
     const ULONGLONG opened = ::GetTickCount64();
-    if (pressOk) ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+    if (pressOk) PressOk(box);
     EXPECT_EQ(program.WaitForExit(), 0U);
     if (!pressOk) {
       EXPECT_GT(::GetTickCount64() - opened, 2000U) << "only the timer may close it";
@@ -174,9 +173,9 @@ TEST_F(DocumentTasks, FailuresAreShownWithTheComponentsWords) {
     const TProgram program(Arguments(L"/RI", L"Teil.ipt"), Environment(test.Changes));
     const HWND box = program.MessageBox();
     ASSERT_NE(box, nullptr);
-    EXPECT_EQ(TextOf(::GetDlgItem(box, 0xFFFF)), test.Text);
+    EXPECT_EQ(MessageOf(box), test.Text);
     EXPECT_TRUE(HasIcon(box));
-    ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+    PressOk(box);
     EXPECT_EQ(program.WaitForExit(), 0U) << "with OK pressed in time the timer ends the program";
   }
   EXPECT_EQ(Trace().back(), "alive 0");

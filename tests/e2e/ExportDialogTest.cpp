@@ -49,16 +49,6 @@ std::string Outline(const std::vector<std::string>& rows) {
   return outline;
 }
 
-/// The text of the box that is open; presses its button and waits until it has gone.
-std::wstring TextOfClosedBox(const TProgram& program) {
-  const HWND box = program.MessageBox();
-  EXPECT_EQ(TextOf(box), L"Velmora");
-  std::wstring text = TextOf(::GetDlgItem(box, 0xFFFF));
-  ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
-  EXPECT_TRUE(WaitUntil([box] { return !::IsWindow(box); }));
-  return text;
-}
-
 /// The control that the user's keys go to; null while another program's window is in front.
 HWND FocusIn(HWND form) {
   GUITHREADINFO thread{};
@@ -173,7 +163,7 @@ TEST_F(ExportDialog, AFailingScanShowsItsErrorAndNoRows) {
                                                    {L"APPRENTICE_FAIL_TEXT", L"Größe unbekannt."}}));
   const TExportDialog dialog(program);
   EXPECT_EQ(::GetWindow(program.MessageBox(), GW_OWNER), dialog.Window());
-  EXPECT_EQ(TextOfClosedBox(program), L"Größe unbekannt.");
+  EXPECT_EQ(program.TextOfClosedBox(), L"Größe unbekannt.");
   EXPECT_EQ(RootOpened(), 2) << "coming back from the box is no activation";
   dialog.Click(L"Alle Knoten öffnen");
   EXPECT_TRUE(dialog.Rows().empty());
@@ -185,9 +175,9 @@ TEST_F(ExportDialog, AFailingScanShowsItsErrorAndNoRows) {
 TEST_F(ExportDialog, WithoutDatabaseFolderItOpensEmpty) {
   WriteFile(L"AppData\\VelMora\\DBExt", "a file where the folder should be");
   const TProgram program(Arguments(), Environment());
-  EXPECT_EQ(TextOfClosedBox(program),
+  EXPECT_EQ(program.TextOfClosedBox(),
             L"Der Datenbankordner \"" + Path(L"AppData\\VelMora\\DBExt") + L"\" ist nicht vorhanden.");
-  EXPECT_EQ(TextOfClosedBox(program), L"Die Datenbank ist nicht geöffnet.");
+  EXPECT_EQ(program.TextOfClosedBox(), L"Die Datenbank ist nicht geöffnet.");
   const TExportDialog dialog(program);
   EXPECT_TRUE(dialog.Rows().empty());
   dialog.Press(VK_ESCAPE);

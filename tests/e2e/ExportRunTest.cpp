@@ -36,14 +36,6 @@ class TExport {
     ::SendMessageW(NameField(saveDialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
     Press(saveDialog, IDOK);
   }
-  /// The text of the program's box once it is open; closes it.
-  std::wstring TextOfClosedBox() const {
-    const HWND box = Program.VisibleWindow(L"#32770", L"Velmora");
-    std::wstring text = TextOf(::GetDlgItem(box, 0xFFFF));
-    ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
-    EXPECT_TRUE(WaitUntil([box] { return !::IsWindow(box); }));
-    return text;
-  }
 
   const TProgram Program;
   const TExportDialog Dialog;
@@ -148,7 +140,7 @@ TEST_F(ExportRun, AfterAFailureTheUserCanTryAgain) {
       const TFileHandle locked = Locked(Path(test.LockedFile));
       ASSERT_TRUE(locked);
       run.ExportAs(Path(test.Archive));
-      const std::wstring message = run.TextOfClosedBox();
+      const std::wstring message = run.Program.TextOfClosedBox();
       EXPECT_EQ(message.substr(0, test.Message.size()), test.Message);
       EXPECT_FALSE(message.empty());
     }

@@ -51,6 +51,14 @@ std::wstring ClassOf(HWND window) {
   return {name.data(), static_cast<std::size_t>(length)};
 }
 
+std::wstring MessageOf(HWND box) {
+  return TextOf(::GetDlgItem(box, 0xFFFF));
+}
+
+void PressOk(HWND box) {
+  ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+}
+
 RECT BoundsOf(HWND window) {
   RECT bounds{};
   ::GetWindowRect(window, &bounds);
@@ -116,6 +124,14 @@ HWND TProgram::VisibleWindow(const wchar_t* className, const wchar_t* title) con
   HWND window = nullptr;
   WaitUntil([&] { return (window = FindOwnWindow(className, title)) != nullptr || HasEnded(); });
   return window;
+}
+
+std::wstring TProgram::TextOfClosedBox() const {
+  const HWND box = MessageBox();
+  std::wstring text = MessageOf(box);
+  PressOk(box);
+  EXPECT_TRUE(WaitUntil([box] { return !::IsWindow(box); }));
+  return text;
 }
 
 std::wstring TProgram::StatusText() const {

@@ -21,6 +21,10 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 20'0
 
 std::wstring TextOf(HWND window);
 std::wstring ClassOf(HWND window);
+/// What a message box says.
+std::wstring MessageOf(HWND box);
+/// Presses a message box's only button.
+void PressOk(HWND box);
 RECT BoundsOf(HWND window);
 bool SameRect(const RECT& a, const RECT& b);
 
@@ -57,7 +61,9 @@ class TProgram {
   std::wstring StatusText() const;
   bool WaitForStatus(const std::wstring& text) const;
   /// A message box of the program once it is open; null when it does not come.
-  HWND MessageBox() const { return VisibleWindow(L"#32770"); }
+  HWND MessageBox() const { return VisibleWindow(L"#32770", L"Velmora"); }
+  /// What its message box says; presses OK and waits until it has gone.
+  std::wstring TextOfClosedBox() const;
   /// A top-level window of the program once it is visible, of any title unless one is given; null when it
   /// does not come.
   HWND VisibleWindow(const wchar_t* className, const wchar_t* title = nullptr) const;

@@ -10,7 +10,7 @@
 #include "export/ArchiveFile.h"
 #include "export/PackedStream.h"
 #include "export/ZipRecords.h"
-#include "platform/Error.h"
+#include "tests/support/InputOutputCode.h"
 #include "tests/support/TestMachine.h"
 
 namespace {
@@ -95,16 +95,6 @@ class ZipArchiveTest : public TMachineTest {
     const std::string command = "python3 " VELMORA_SOURCE "/scripts/packing/check.py" + quoted(archive) +
                                 quoted(folder) + quoted(u"C:\\Namen.txt") + " >&2";
     EXPECT_EQ(std::system(command.c_str()), 0);
-  }
-
-  static std::int32_t ErrorOf(const std::function<void()>& action) {
-    try {
-      action();
-    } catch (const EError& error) {
-      EXPECT_EQ(error.Kind(), TErrorKind::InputOutput);
-      return error.Code();
-    }
-    return 0;
   }
 
  private:
@@ -197,18 +187,18 @@ TEST_F(ZipArchiveTest, AFileMayChangeItsSizeWhileItIsRead) {
 TEST_F(ZipArchiveTest, FailuresAreReportedWithTheirCode) {
   WriteFile(u"C:\\Quelle\\a", TRecipe().Data({{'r', 900'000}}));
   TZipArchive archive(u"C:\\Archiv.zip");
-  EXPECT_EQ(ErrorOf([&] { archive.AddFile(u"C:\\Quelle\\fehlt", u"a"); }), 2);
-  EXPECT_EQ(ErrorOf([&] { archive.AddContents(u"C:\\fehlt"); }), 2);
-  EXPECT_EQ(ErrorOf([&] { archive.AddFile(u"C:\\Quelle\\a", UnicodeString(32'768, u'ä')); }),
+  EXPECT_EQ(InputOutputCode([&] { archive.AddFile(u"C:\\Quelle\\fehlt", u"a"); }), 2);
+  EXPECT_EQ(InputOutputCode([&] { archive.AddContents(u"C:\\fehlt"); }), 2);
+  EXPECT_EQ(InputOutputCode([&] { archive.AddFile(u"C:\\Quelle\\a", UnicodeString(32'768, u'ä')); }),
             kInvalidFileName);
-  EXPECT_EQ(ErrorOf([] { TZipArchive(u"C:\\Archiv.zip"); }), EEXIST);
+  EXPECT_EQ(InputOutputCode([] { TZipArchive(u"C:\\Archiv.zip"); }), EEXIST);
 
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit before{};
   getrlimit(RLIMIT_FSIZE, &before);
   const rlimit full{500'000, before.rlim_max};
   setrlimit(RLIMIT_FSIZE, &full);
-  EXPECT_EQ(ErrorOf([&] { archive.AddFile(u"C:\\Quelle\\a", u"a"); }), EFBIG);
+  EXPECT_EQ(InputOutputCode([&] { archive.AddFile(u"C:\\Quelle\\a", u"a"); }), EFBIG);
   setrlimit(RLIMIT_FSIZE, &before);
 }
 

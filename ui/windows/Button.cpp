@@ -44,18 +44,6 @@ void TNativeWindow::TImpl::LoadButtonImage() {
 void TNativeWindow::SetTextHidden() {
   const LONG_PTR style = ::GetWindowLongPtrW(fImpl->Window.Get(), GWL_STYLE);
   ::SetWindowLongPtrW(fImpl->Window.Get(), GWL_STYLE, style | BS_ICON);
-  fImpl->ShowTextAsToolTip();
-}
-
-void TNativeWindow::TImpl::ShowTextAsToolTip() {
-  ToolTip.Reset(::CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0, 0,
-                                  0, ::GetAncestor(Window.Get(), GA_ROOT), nullptr, ProgramInstance(),
-                                  nullptr));
-  TOOLINFOW tool{};
-  tool.cbSize = sizeof tool;
-  tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
-  tool.hwnd = ::GetParent(Window.Get());
-  tool.uId = reinterpret_cast<UINT_PTR>(Window.Get());
-  tool.lpszText = WideBuffer(Text);
-  ::SendMessageW(ToolTip.Get(), TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+  fImpl->ToolTip.emplace(::GetParent(fImpl->Window.Get()));
+  fImpl->ToolTip->AddChild(fImpl->Window.Get(), fImpl->Text.c_str());
 }

@@ -7,6 +7,7 @@
 
 #include "ui/NativeWindow.h"
 #include "ui/windows/Painting.h"
+#include "ui/windows/ToolTip.h"
 #include "ui/windows/WindowClass.h"
 
 /// The system finds it through the window's user data.
@@ -23,7 +24,7 @@ struct TNativeWindow::TImpl {
   double BarBegin = 0;
   double BarEnd = 0;
   WNDPROC SystemProc = nullptr;  // of a progress bar
-  TWindow ToolTip{};
+  std::optional<TToolTip> ToolTip{};
   TWindow Window{};  // the first to go: its last messages still reach the rest
 
   static TImpl* Of(HWND window) {
@@ -39,7 +40,6 @@ struct TNativeWindow::TImpl {
 
   void BecomeProgressBar();
   void LoadButtonImage();
-  void ShowTextAsToolTip();
   /// The size of a form with this client area.
   SIZE WithFrame(int width, int height, int dpi) const;
 

@@ -4,7 +4,7 @@
 #include "ui/windows/WindowClass.h"
 
 /// The hints of one window's children and of one place in it that moves with the mouse. Owned by the native
-/// list.
+/// list, or by a button for its own hint.
 class TToolTip {
  public:
   /// Throws EError of kind System.
