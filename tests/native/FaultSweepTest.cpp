@@ -102,11 +102,18 @@ class FaultSweepTest : public TProgramTest {
     return std::ranges::any_of(Trace, [name](const auto& line) { return line.starts_with(name); });
   }
 
+  bool ArchiveIsComplete() const {
+    const std::string archive = ReadFile(u"C:\\P\\x.zip");
+    return std::ranges::all_of(
+        std::vector<std::string>{"x.iam", "u.iam", "t.ipt", "Export.html"},
+        [&archive](const auto& name) { return archive.find(name) != std::string::npos; });
+  }
+
   /// Lets the calls fail one after the other, until one survives; returns how many have failed.
   template <class TSetFault, class TCheck>
-  int Sweep(const TTask& task, TSetFault setFault, TCheck hasFailed, int step = 1) {
+  int Sweep(const TTask& task, TSetFault setFault, TCheck hasFailed) {
     int faults = 0;
-    for (std::int64_t n = 1;; n += step) {
+    for (std::int64_t n = 1;; ++n) {
       SCOPED_TRACE(Utf8FromText(task.Arguments) + " " + std::to_string(n));
       setFault(n);
       RunTask(task);
@@ -146,7 +153,11 @@ TEST_F(FaultSweepTest, NothingIsLostWhateverFails) {
           TSqlMemory::FailAt = n;
           if (n != 0) TSqlMemory::Failed = false;
         },
-        [] { return TSqlMemory::Failed; }, 5);
+        [this] {
+          // The engine gets over some of them; no row may be lost without a word.
+          EXPECT_TRUE(!TSqlMemory::Failed || Logged("error box") || ArchiveIsComplete());
+          return TSqlMemory::Failed;
+        });
     std::printf(
         "%-30s survived %d faults of the component, %d of files, system and windows, %d of the SQL engine\n",
         Utf8FromText(task.Arguments).c_str(), component, seam, sql);
