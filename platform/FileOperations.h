@@ -4,7 +4,8 @@
 
 #include "platform/Text.h"
 
-// Whole files and folders: what the export does with those it stages.
+// Whole files and folders: what the export does with those it stages. What another program has open for a
+// moment, as a scanner a new file, is waited for, up to two seconds.
 
 /// `path` as the system understands it: absolute, with "\" alone, without "." and "..", dots and blanks at
 /// the ends of names, and a separator at its own end; short names made long. For comparing paths, not for
@@ -16,7 +17,7 @@ bool IsLink(TextView path);
 
 /// Copies a file over whatever file has the name `to`, write-protected or a link: a link is replaced, not
 /// followed. `onBlock` is called again and again meanwhile and must not throw. False when it fails: a source
-/// that cannot be opened leaves what is there, and no copy is left half.
+/// or target that cannot be opened leaves what is there, and no copy is left half.
 bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlock);
 
 /// Throws EError of kind InputOutput with the system's code, for a write-protected file too.

@@ -156,9 +156,10 @@ struct TOutputFile::TImpl {
   TDescriptor Descriptor;
 };
 
-TOutputFile::TOutputFile(TextView path, TCreate how)
-    : fImpl(std::make_unique<TImpl>(
-          TImpl{OpenDescriptor(path, O_WRONLY | O_CREAT | (how == TCreate::New ? O_EXCL : O_TRUNC))})) {}
+TOutputFile::TOutputFile(TextView path, TCreate how) : fImpl(std::make_unique<TImpl>()) {
+  headless::ThrowIfFails("Create");
+  fImpl->Descriptor = OpenDescriptor(path, O_WRONLY | O_CREAT | (how == TCreate::New ? O_EXCL : O_TRUNC));
+}
 TOutputFile::TOutputFile(TOutputFile&&) noexcept = default;
 TOutputFile& TOutputFile::operator=(TOutputFile&&) noexcept = default;
 TOutputFile::~TOutputFile() = default;

@@ -15,6 +15,34 @@ DWORD CALLBACK CopyProgress(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_I
   return PROGRESS_CONTINUE;
 }
 
+DWORD ResultOf(BOOL done) {
+  return done ? ERROR_SUCCESS : ::GetLastError();
+}
+
+bool IsBusy(DWORD error) {
+  return error == ERROR_SHARING_VIOLATION || error == ERROR_USER_MAPPED_FILE;
+}
+
+/// Scanners and indexers open a new file for a moment as soon as it has been closed. What they are in the way
+/// of is tried again, for two seconds over all calls.
+class TPatience {
+ public:
+  /// The error `call` has ended with. `alsoBusy`: one more that may pass.
+  template <class TCall>
+  DWORD Try(const TCall& call, DWORD alsoBusy = ERROR_SHARING_VIOLATION) {
+    for (;; --fAttempts) {
+      const DWORD error = ResultOf(call());
+      if ((!IsBusy(error) && error != alsoBusy) || fAttempts == 0) return error;
+      ::Sleep(kPause);
+    }
+  }
+
+ private:
+  static constexpr DWORD kPause = 50;
+
+  int fAttempts = 40;
+};
+
 bool OpensForReading(const UnicodeString& systemPath) {
   const TFileHandle handle(::CreateFileW(Wide(systemPath), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                          nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -51,7 +79,7 @@ UnicodeString WithLongNames(const UnicodeString& path) {
 }
 
 /// Everything in the folder, or as much of it as lets itself be removed.
-void RemoveContents(const UnicodeString& folder) {
+void RemoveContents(const UnicodeString& folder, TPatience& patience) {
   WIN32_FIND_DATAW found{};
   const TFindHandle search(::FindFirstFileW(Wide(SystemPath(folder + u"\\*")), &found));
   if (!search) return;
@@ -61,8 +89,8 @@ void RemoveContents(const UnicodeString& folder) {
     const UnicodeString path = SystemPath(folder + u"\\" + name);
     const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     if ((found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0 && !IsLink(found)) AllowWriting(path);
-    if (isFolder && !IsLink(found)) RemoveContents(path);
-    isFolder ? ::RemoveDirectoryW(Wide(path)) : ::DeleteFileW(Wide(path));
+    if (isFolder && !IsLink(found)) RemoveContents(path, patience);
+    patience.Try([&] { return isFolder ? ::RemoveDirectoryW(Wide(path)) : ::DeleteFileW(Wide(path)); });
   } while (::FindNextFileW(search.Get(), &found));
 }
 
@@ -92,34 +120,43 @@ bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlo
   if (IsLink(to)) ::DeleteFileW(Wide(target));
   const auto copy = [&] {
     return ::CopyFileExW(Wide(source), Wide(target), CopyProgress,
-                         const_cast<std::function<void()>*>(&onBlock), nullptr, 0) != 0;
+                         const_cast<std::function<void()>*>(&onBlock), nullptr, 0);
   };
-  if (copy()) return true;
-  if (::GetLastError() == ERROR_ACCESS_DENIED) {
-    // The copy before it has taken the write protection over from its source.
-    AllowWriting(target);
-    if (copy()) return true;
-  }
-  // Where the source can be read the copy has failed on its way, on a full disk say. Wine leaves the part.
-  if (OpensForReading(source)) ::DeleteFileW(Wide(target));
+  DWORD error = ResultOf(copy());
+  if (error == ERROR_SUCCESS) return true;
+  if (!OpensForReading(source)) return false;
+  // The copy before it has taken the write protection over from its source.
+  if (error == ERROR_ACCESS_DENIED) AllowWriting(target);
+  if (error == ERROR_ACCESS_DENIED || IsBusy(error)) error = TPatience().Try(copy);
+  if (error == ERROR_SUCCESS) return true;
+  // A target that could not even be opened is whole. Otherwise the copy has failed on its way, on a full disk
+  // say, and Wine leaves the part.
+  if (error != ERROR_ACCESS_DENIED && !IsBusy(error)) ::DeleteFileW(Wide(target));
   return false;
 }
 
 void RemoveFile(TextView path) {
-  if (!::DeleteFileW(Wide(SystemPath(path)))) throw LastInputOutputError();
+  const UnicodeString name = SystemPath(path);
+  const DWORD error = TPatience().Try([&name] { return ::DeleteFileW(Wide(name)); });
+  if (error != ERROR_SUCCESS) throw InputOutputError(error);
 }
 
 void RenameFile(TextView from, TextView to) {
-  if (!::MoveFileExW(Wide(SystemPath(from)), Wide(SystemPath(to)), MOVEFILE_REPLACE_EXISTING)) {
-    throw LastInputOutputError();
-  }
+  const UnicodeString source = SystemPath(from);
+  const UnicodeString target = SystemPath(to);
+  const auto move = [&] { return ::MoveFileExW(Wide(source), Wide(target), MOVEFILE_REPLACE_EXISTING); };
+  // A target that is removed while somebody has it open keeps its name for so long and denies access.
+  const DWORD error = TPatience().Try(move, ERROR_ACCESS_DENIED);
+  if (error != ERROR_SUCCESS) throw InputOutputError(error);
 }
 
 void RemoveFolder(TextView path) noexcept {
   try {
     const UnicodeString folder = SystemPath(path);
-    if (!IsLink(path)) RemoveContents(folder);
-    ::RemoveDirectoryW(Wide(folder));
+    TPatience patience;
+    if (!IsLink(path)) RemoveContents(folder, patience);
+    // Files that are removed while somebody has them open stay in it for so long.
+    patience.Try([&folder] { return ::RemoveDirectoryW(Wide(folder)); }, ERROR_DIR_NOT_EMPTY);
   } catch (...) {  // no memory for a name: the rest stays
   }
 }

@@ -164,12 +164,25 @@ TEST_F(ExportRun, NothingHalfIsLeftWhenTheProgramIsKilled) {
     const TExport run = StartExport(Path(L""), {L"groß.ipt"});
     run.ExportAs(Path(L"Ziel\\Archiv.zip"));
     ASSERT_TRUE(WaitUntil([this] { return Exists(L"Ziel\\~Archiv1.tmp"); }));
+    EXPECT_EQ(::SendMessageW(run.Dialog.Window(), WM_QUERYENDSESSION, 0, 0), FALSE) << "at work";
     // The end of the scope kills it.
   }
   EXPECT_TRUE(Exists(kStaging));
   EXPECT_FALSE(Exists(L"Ziel\\Archiv.zip"));
-  WriteFile(L"groß.ipt", "jetzt klein");
   const TExport run = StartExport(Path(L""), {L"groß.ipt"});
+  EXPECT_TRUE(WaitUntil([&run] {
+    return ::SendMessageW(run.Dialog.Window(), WM_QUERYENDSESSION, 0, 0) == TRUE;
+  })) << "the scan is over";
   run.ExportAs(Path(L"Ziel\\Archiv.zip"));
+  const auto opens = [file = Path(L"Ziel\\~Archiv2.tmp")](DWORD access) {
+    return TFileHandle(::CreateFileW(file.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  };
+  {
+    // A virus scanner still has the archive open when it is complete and gets its name.
+    TFileHandle scanner;
+    ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(scanner = opens(GENERIC_READ)); }));
+    ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(opens(GENERIC_WRITE)); }));
+  }
   ExpectExported(run, Path(L"Ziel\\Archiv.zip"));
 }

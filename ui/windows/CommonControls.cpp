@@ -22,8 +22,8 @@ TCommonControls Load() {
   Find(module, "ImageList_Create", controls.ImageListCreate);
   Find(module, "ImageList_Destroy", controls.ImageListDestroy);
   Find(module, "LoadIconWithScaleDown", controls.LoadIconWithScaleDown);
-  const INITCOMMONCONTROLSEX classes{sizeof classes,
-                                     ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
+  const INITCOMMONCONTROLSEX classes{
+      sizeof classes, ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_PROGRESS_CLASS};
   if (!controls.InitCommonControlsEx(&classes)) throw LastSystemError();
   return controls;
 }

@@ -16,6 +16,7 @@ struct TFormMessage {
 
 constexpr TFormMessage kFormMessages[] = {
     {WM_CLOSE, &TNativeWindow::TImpl::Close},
+    {WM_QUERYENDSESSION, &TNativeWindow::TImpl::QueryEndSession},
     {WM_DPICHANGED, &TNativeWindow::TImpl::DpiChanged},
     {WM_SIZE, &TNativeWindow::TImpl::Sized},
     {WM_GETMINMAXINFO, &TNativeWindow::TImpl::LimitSize},
@@ -46,11 +47,28 @@ std::optional<LRESULT> TNativeWindow::TImpl::Close(WPARAM, LPARAM) {
   return 0;
 }
 
-std::optional<LRESULT> TNativeWindow::TImpl::DpiChanged(WPARAM wParam, LPARAM) {
-  // The rectangle that the system suggests here is left alone: it would move the form off its place.
+/// Half an export would leave its remains behind. The user may still insist.
+std::optional<LRESULT> TNativeWindow::TImpl::QueryEndSession(WPARAM, LPARAM) {
+  if (!Application->Busy()) return std::nullopt;
+  ::ShutdownBlockReasonCreate(Window.Get(), L"Die Baugruppe wird noch bearbeitet.");
+  return FALSE;
+}
+
+std::optional<LRESULT> TNativeWindow::TImpl::DpiChanged(WPARAM wParam, LPARAM lParam) {
+  // With its new size the form may lie mostly on the old monitor again: answered, the two would take turns.
+  if (Rescaling) return 0;
+  Rescaling = true;
   Application->Guard([this, dpi = int{HIWORD(wParam)}] {
     if (Events.OnDpiChanged) Events.OnDpiChanged(dpi);
   });
+  // The place that the system suggests follows the mouse that drags a dialog. A form that is not yet visible
+  // is being placed, and stays where it is put.
+  if (Kind == TWindowKind::Dialog && ::IsWindowVisible(Window.Get())) {
+    const RECT& place = *reinterpret_cast<const RECT*>(lParam);
+    ::SetWindowPos(Window.Get(), nullptr, place.left, place.top, 0, 0,
+                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+  Rescaling = false;
   return 0;
 }
 

@@ -88,6 +88,13 @@ LRESULT CALLBACK TNativeWindow::TImpl::ControlProc(HWND window, UINT message, WP
   const TImpl* const self = Of(window);
   if (message == WM_ERASEBKGND) return 1;
   if (self != nullptr && message == WM_GETFONT) return reinterpret_cast<LRESULT>(self->Font.Get());
+  // Themed buttons have the ground below their rounded corners drawn by their parent.
+  if (self != nullptr && message == WM_PRINTCLIENT) {
+    RECT area{};
+    ::GetClientRect(window, &area);
+    (self->*kPaint)(reinterpret_cast<HDC>(wParam), area);
+    return 0;
+  }
   if (self != nullptr && message == WM_PAINT) {
     const TPaintScope paint(window);
     RECT area{};

@@ -21,6 +21,7 @@ struct TNativeWindow::TImpl {
   TIconHandle Icon{};
   SIZE LeastSize{};          // of a form with its frame
   HWND LastFocus = nullptr;  // of a form's children, while the form is not active
+  bool Rescaling = false;    // of a form, from a change of scale until it has its new size
   double BarBegin = 0;
   double BarEnd = 0;
   WNDPROC SystemProc = nullptr;  // of a progress bar
@@ -55,6 +56,7 @@ struct TNativeWindow::TImpl {
 
   // A form's messages: nothing where the system's own handling is wanted as well.
   std::optional<LRESULT> Close(WPARAM wParam, LPARAM lParam);
+  std::optional<LRESULT> QueryEndSession(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> DpiChanged(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> Sized(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> LimitSize(WPARAM wParam, LPARAM lParam);
