@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Usage: bench-packing.sh [RUNS [DIVISOR]]   measures the packing of folders against other packers (default 5 runs each), of folders of such a part of the usual size
+# Usage: bench-packing.sh [RUNS [DIVISOR]]   measures the packing of folders against other packers (default 5 runs each); DIVISOR 10 packs a tenth of the usual data
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Usage: bench.sh [--quick]   measures everything and prints one table (half an hour; --quick: fewer runs, smaller sizes, five minutes)
+# Usage: bench.sh [--quick]   runs the main measurements and prints one table (half an hour; --quick: fewer runs, smaller sizes, five minutes)
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

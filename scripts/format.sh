@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Usage: format.sh [--check]   lays out all C++ sources by .clang-format, or only tells which are not
+# Usage: format.sh [--check]   lays out the C++ sources of program, tests and benchmarks by .clang-format, or only tells which are not
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Usage: lint.sh [FILE...]   runs clang-tidy over our sources of the native build; every warning is an error
+# Usage: lint.sh [FILE...]   runs clang-tidy over our sources of the native build, or over FILEs, named from the root; every warning is an error
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
