@@ -13,6 +13,6 @@ set(CMAKE_CXX_COMPILER_TARGET ${triple})
 string(JOIN " " CMAKE_CXX_FLAGS_INIT
   --start-no-unused-arguments -nostdlibinc --end-no-unused-arguments
   -isystem ${gcc}/include/c++ -isystem ${gcc}/include/c++/${triple} -isystem /usr/${triple}/include)
-# The linker remarks that type information of the library's exceptions comes in two sizes: both are the same, padded.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-B${gcc} -L${gcc} -pthread")
+# GNU's linker would remark on type information that the two compilers pad differently.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-B${gcc} -L${gcc} -pthread -fuse-ld=lld")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT ${CMAKE_EXE_LINKER_FLAGS_INIT})

@@ -9,7 +9,7 @@ packagesFor() {
         bench) echo g++ cmake ninja-build nlohmann-json3-dev libbenchmark-dev libsqlite3-dev zlib1g-dev ;;
         windows) echo g++-mingw-w64-x86-64-posix cmake ninja-build python3 googletest nlohmann-json3-dev npm \
             libz-mingw-w64-dev ;;
-        windows-clang) echo "$(packagesFor windows)" clang ;;
+        windows-clang) echo "$(packagesFor windows)" clang lld ;;
         # Wine only recommends the X libraries, but does without drawing, cursors or several screens if they lack.
         wine) echo wine wine64 fonts-wine xvfb libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 \
             libxrandr2 libxrender1 ;;
