@@ -19,7 +19,8 @@ if(WIN32)
   target_compile_options(project_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-fno-strict-aliasing;-fstack-protector-strong;-ffunction-sections;-fdata-sections>)
   target_link_options(project_options INTERFACE
-    -static -fstack-protector-strong -Wl,--gc-sections -Wl,--no-insert-timestamp $<$<CONFIG:Release>:-s>)
+    -static -fstack-protector-strong -Wl,--gc-sections -Wl,--no-insert-timestamp
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELMORA_KEEPS_SYMBOLS>>>:-s>)
 endif()
 
 if(VELMORA_SANITIZE)

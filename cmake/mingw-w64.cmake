@@ -7,6 +7,8 @@ set(triple x86_64-w64-mingw32)
 set(CMAKE_C_COMPILER ${triple}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${triple}-g++-posix)
 set(CMAKE_RC_COMPILER ${triple}-windres)
+set(CMAKE_OBJCOPY ${triple}-objcopy)
+set(CMAKE_STRIP ${triple}-strip)
 
 # Packages of the build machine never match this target: look into the cross tree and into the folders that
 # the caller names, nowhere else.

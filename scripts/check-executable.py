@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Usage: check-executable.py EXE    looks at a Windows executable as it will be shipped
+"""Usage: check-executable.py EXE SYMBOLS    looks at a Windows executable as it will be shipped
 
 Fails when it imports anything but the system's libraries, when address space randomisation (high entropy) or
-non-executable data are off, when its time stamp is not the linker's fixed one, or when it carries debug data.
+non-executable data are off, when its time stamp is not the linker's fixed one, or when it carries debug data. SYMBOLS,
+the debug data that were split off it, say whether each of our sources was compiled with the stack protector.
 """
+import re
 import struct
 import sys
 
@@ -61,11 +63,20 @@ def Faults(executable):
         yield "it carries the time at which it was linked, so that no two builds are alike"
 
 
+def CompilerFaults(symbols):
+    # The compiler notes its switches for each source; the libraries come without debug data, or are none of C++.
+    switches = re.findall(rb"GNU C\+\+[^\0]*", symbols)
+    if not switches:
+        yield "its symbols do not say how it was compiled"
+    elif not all(b" -fstack-protector-strong" in each for each in switches):
+        yield "a source was compiled without the stack protector"
+
+
 def Main():
-    if len(sys.argv) != 2:
+    if len(sys.argv) != 3:
         sys.exit(__doc__.splitlines()[0])
-    with open(sys.argv[1], "rb") as file:
-        faults = list(Faults(Executable(file.read())))
+    with open(sys.argv[1], "rb") as executable, open(sys.argv[2], "rb") as symbols:
+        faults = [*Faults(Executable(executable.read())), *CompilerFaults(symbols.read())]
     for fault in faults:
         print(f"check-executable.py: {sys.argv[1]}: {fault}", file=sys.stderr)
     return 1 if faults else 0

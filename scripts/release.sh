@@ -7,7 +7,7 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 release=$root/build/release
-tree=$root/build/release-tree
+tree=$root/build/windows
 version=$(sed -n 's/^project(VelmoraInventor VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
 name=VelmoraInventor-$version-win64
 
@@ -17,22 +17,14 @@ say() {
 
 [ -n "$version" ] || { echo "release.sh: no version in CMakeLists.txt" >&2; exit 1; }
 "$root/scripts/packages.sh" windows release
-# The Windows libraries are made by the ordinary build.
-"$root/scripts/build.sh" windows VelmoraInventor
-
 say "building version $version"
-(cd "$root" && cmake --preset release >/dev/null)
-cmake --build "$tree" --parallel "$(nproc)" --target VelmoraInventor
+"$root/scripts/build.sh" windows VelmoraInventor
 
 rm -rf "$release"
 mkdir -p "$release/$name"
-# Without the protector's own function the compiler's switch has been lost.
-x86_64-w64-mingw32-nm "$tree/VelmoraInventor.exe" | grep __stack_chk_fail >/dev/null ||
-    { echo "release.sh: the executable is built without the stack protector" >&2; exit 1; }
-x86_64-w64-mingw32-objcopy --only-keep-debug "$tree/VelmoraInventor.exe" "$release/VelmoraInventor.debug"
-# The date is the one that stands in the header.
-SOURCE_DATE_EPOCH=0 x86_64-w64-mingw32-strip --strip-all -o "$release/$name/VelmoraInventor.exe" "$tree/VelmoraInventor.exe"
-"$root/scripts/check-executable.py" "$release/$name/VelmoraInventor.exe"
+cp "$tree/VelmoraInventor.exe" "$release/$name/"
+cp "$tree/VelmoraInventor.debug" "$release/"
+"$root/scripts/check-executable.py" "$release/$name/VelmoraInventor.exe" "$release/VelmoraInventor.debug"
 
 "$root/scripts/release/page.py" "$root/docs/anleitung.md" "$release/$name/Anleitung.html"
 "$root/scripts/release/page.py" "$root/docs/host-integration.md" "$release/$name/Host-Integration.html"
