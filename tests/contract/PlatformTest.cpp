@@ -80,6 +80,9 @@ TEST(FilesContract, FilesAreWrittenListedAndRead) {
   std::string bytes(20, ' ');
   bytes.resize(input.Read(bytes));
   EXPECT_EQ(bytes, "neu") << "others may write what is open for shared reading";
+  TOutputFile(path, TCreate::Replace).WriteAt(std::uint64_t{5} << 30, std::string("x"));
+  EXPECT_EQ(input.State().Size, (std::uint64_t{5} << 30) + 1) << "beyond 32 bits";
+  TOutputFile(path, TCreate::Replace).Close();
 }
 
 TEST(FilesContract, ErrorsCarryTheSystemsCode) {

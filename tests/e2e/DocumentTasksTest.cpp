@@ -139,6 +139,7 @@ TEST_F(DocumentTasks, ArgumentsOfAnyKindReachTheComponentWhole) {
     WriteFile(name, document);
     const TProgram program(arguments, Environment());
     EXPECT_EQ(program.WaitForExit(), 0U);
+    EXPECT_NE(ReadFile(name), "");
     EXPECT_EQ(ReadFile(name).find("IndexHinweis"), std::string::npos);
   }
   // A backslash before a quote escapes nothing; an empty argument ends the line.

@@ -86,6 +86,7 @@ TEST_F(ExportDialog, ShowsTheFilesOfAnAssemblyAsATree) {
 
   // Neither another program in front nor the way back from it scans again.
   const HWND focus = FocusIn(dialog.Window());
+  ASSERT_EQ(focus, dialog.List());
   const THostWindow other(L"Etwas anderes", {0, 0, 200, 200});
   ::SetForegroundWindow(other.Handle());
   ASSERT_TRUE(WaitUntil([&] { return FocusIn(dialog.Window()) == nullptr; }));

@@ -63,3 +63,12 @@ TEST_F(DrawingReferenceTest, RepointsEveryReferenceBesideTheDrawing) {
   EXPECT_EQ(Run(kRun).at(4), "1500 quit") << "without references it is saved all the same";
   EXPECT_EQ(Calls().at(3) + Calls().at(4), "referencedfiles.Count = 0server.SaveSet");
 }
+
+TEST_F(DrawingReferenceTest, ClosesAtOnceWhereTheDrawingMustBeMigrated) {
+  WriteFile(kDrawing, DocumentWith("", R"("needsMigration": 1, "references": ["a.ipt"],)"));
+  headless::Machine().PressOkAfter = {100};
+  const auto log = Run(kRun);
+  EXPECT_EQ(log.at(3), "0 plain box \"Velmora\": " + kMigrationText);
+  EXPECT_EQ(log.back(), "100 quit");
+  EXPECT_EQ(References(), std::vector<std::string>{"a.ipt"});
+}

@@ -163,5 +163,6 @@ TEST_F(FaultSweepTest, NothingIsLostWhateverFails) {
         Utf8FromText(task.Arguments).c_str(), component, seam, sql);
     EXPECT_GT(component, task.LeastFaults);
     EXPECT_GT(seam, 3);
+    EXPECT_TRUE(task.Arguments[1] != u'E' || sql > 100);
   }
 }

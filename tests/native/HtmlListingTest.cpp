@@ -31,7 +31,7 @@ std::size_t Count(const std::string& page, const std::string& text) {
 TEST(HtmlListing, ShowsLevelsKindsAndMissingFiles) {
   const TListingRow part{2, ICON_PART, u"2", u"Deckel", u"C:\\d.ipt", true};
   const TListingRow assembly{0, ICON_ASSEMBLY, u"1", u"Pumpe", u"C:\\p.iam"};
-  const TListingRow drawing{1, ICON_DRAWING, u"3", u"Blatt", u"C:\\b.idw"};
+  const TListingRow drawing{1, ICON_DRAWING, u"3", u"Bl\x85tt", u"C:\\b.idw"};
   const struct {
     std::vector<TListingRow> Rows;
     std::vector<std::string> Texts;
@@ -43,7 +43,7 @@ TEST(HtmlListing, ShowsLevelsKindsAndMissingFiles) {
         "</svg>Pumpe<td>C:\\p.iam\n<tr style=--l:2><td>2<th scope=row>",
         "aria-label=\"Bauteil, Ebene 3\"><use href=#part /></svg>Deckel<td>C:\\d.ipt<strong>",
         "Datei nicht gefunden!</strong>\n<tr style=--l:1><td>3",
-        "aria-label=\"Zeichnung, Ebene 2\"><use href=#drawing />",
+        "aria-label=\"Zeichnung, Ebene 2\"><use href=#drawing /></svg>Bl\xEF\xBF\xBDtt",
         "<symbol id=\"part\" viewBox=\"0 0 64 64\"><path ", "<symbol id=\"assembly\"",
         "<symbol id=\"drawing\"", "<symbol id=\"warning\""}},
       {std::vector(1001, part), {">1001 Bauteile\n", ">1001 Dateien nicht gefunden<"}},

@@ -7,7 +7,6 @@
 #include "tests/support/ProgramTest.h"
 
 using headless::Machine;
-using headless::TDesktopWindow;
 
 namespace {
 
@@ -19,14 +18,6 @@ class ShellTest : public TProgramTest {
   void SetUp() override {
     WriteFile(u"C:\\Teil.ipt", DocumentWith(TextProperty("A", "1")));
     WriteFile(u"C:\\Liste.txt", "A\n2\nB\n3\n");
-  }
-
-  /// The bounds with which the status window appeared.
-  std::string Placed() {
-    for (const std::string& line : Run(kRun)) {
-      if (line.find(" show ") != std::string::npos) return line.substr(line.find(" show ") + 6);
-    }
-    return "nowhere";
   }
 };
 
@@ -44,6 +35,10 @@ TEST_F(ShellTest, ShowsTheWorkThenTheResultAndCloses) {
                            "6500 quit",
                        }));
   EXPECT_EQ(LiveObjects(), 0);
+  Machine().Dpi = 192;
+  const auto log = Run(u"/RI C:\\Teil.ipt");
+  EXPECT_EQ(log.at(1), "0 show 490,477 600x140");
+  EXPECT_EQ(log.back(), "6500 quit");
 }
 
 TEST_F(ShellTest, EndsOrStaysAsTheArgumentsSay) {
@@ -72,7 +67,7 @@ TEST_F(ShellTest, ReadsItsSettings) {
       {"INV_AutoRemoveHint=0x0", false},
       {"inv_autoremovehint = 0 ", false},
       {"INV_AutoRemoveHint=0x", true},
-      {"INV_AutoRemoveHint=0X10", true},
+      {"INV_AutoRemoveHint=0X0", false},
       {"INV_AutoRemoveHint=False", true},
       {"INV_IndexHint=\nINV_AutoRemoveHint=0", false},
   };

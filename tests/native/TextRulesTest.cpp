@@ -17,7 +17,7 @@ TEST(CommandLine, IsSplitAtBlanksOutsideQuotes) {
       {u"", {}},
       {u"velmora.exe", {}},
       {u"\"C:\\Pro gramme\\v.exe\"  \t ", {}},
-      {u"v.exe /P C:\\a.ipt C:\\l.txt", {u"/P", u"C:\\a.ipt", u"C:\\l.txt"}},
+      {u"v.exe /P\tC:\\a.ipt\nC:\\l.txt", {u"/P", u"C:\\a.ipt", u"C:\\l.txt"}},
       {u"v.exe /P \"D:\\Mein Teil.ipt\" 4 5", {u"/P", u"D:\\Mein Teil.ipt", u"4", u"5"}},
       {u"v.exe \"/P \" x", {u"/P ", u"x"}},
       {u"v.exe /R \"C:\\Ordner\\\" x", {u"/R", u"C:\\Ordner\\", u"x"}},

@@ -133,6 +133,9 @@ TEST_F(TreeListModelTest, KeepsACurrentRowThatCanBeSeen) {
   fModel.Close(1);
   EXPECT_EQ(Seen(), "-0 >+1 +4 6") << "its own branch";
   fModel.MakeCurrent(5);
+  fModel.Toggle(1);
+  fModel.Toggle(1);
+  EXPECT_EQ(Seen(), "-0 +1 -4 >5 6") << "a branch above";
   fModel.CloseAll();
   EXPECT_EQ(Seen(), ">+0 6");
   fModel.Open(0);

@@ -76,6 +76,9 @@ TEST_F(TreeListTest, MovesTheCursorWithTheCurrentRow) {
   EXPECT_EQ(TScreen::Lines(), (TLines{"  [-] 7 | 1 | Wanne", ">   [+] 7 | 2 | Rad", "      7 | 4 | Achse"}));
   fList.FullCollapse();
   EXPECT_EQ(fQuery.Row(), 0U);
+  TScreen::Mouse(TTreeListMouse::Toggle, 0);
+  EXPECT_EQ(TScreen::Lines().size(), 3U);
+  TScreen::Mouse(TTreeListMouse::Toggle, 0);
   TScreen::Mouse(TTreeListMouse::Select, 1);
   EXPECT_EQ(fQuery.Row(), 3U);
   fQuery.First();

@@ -60,17 +60,19 @@ class ZipArchiveTest : public TMachineTest {
     std::filesystem::remove(headless::HostPath(u"C:\\Strom"));
     TArchiveFile file(u"C:\\Strom");
     TPackedStream stream(file);
-    for (const std::string_view content : {std::string_view("another entry"), data}) {
+    const std::string_view another = data.substr(data.size() - std::min<std::size_t>(data.size(), 3000));
+    std::uint64_t begin = 0;
+    for (const std::string_view content : {another, data}) {
+      begin = file.Position();
       stream.Begin();
       for (std::size_t i = 0; i < content.size(); i += block) {
         const std::size_t count = content.copy(stream.Room().data(), block, i);
         stream.Pack(count);
       }
       stream.Finish();
-      if (content != data) fBegin = file.Position();
     }
     file.Close();
-    return ReadFile(u"C:\\Strom").substr(fBegin);
+    return ReadFile(u"C:\\Strom").substr(begin);
   }
 
   static std::string Unpacked(std::string packed, std::size_t size) {
@@ -96,9 +98,6 @@ class ZipArchiveTest : public TMachineTest {
                                 quoted(folder) + quoted(u"C:\\Namen.txt") + " >&2";
     EXPECT_EQ(std::system(command.c_str()), 0);
   }
-
- private:
-  static inline std::size_t fBegin = 0;
 };
 
 }  // namespace
@@ -118,7 +117,8 @@ TEST_F(ZipArchiveTest, StreamsGiveBackWhatWasPacked) {
       {{{'t', 20'000}, {'r', 8192}, {'b', 20'000, 28'192}}, 40'000},  // a repeat across a stored run
       {{{'t', 4097}, {'r', 27'903}, {'b', 32'000, 32'000}}, 31'500},  // at the window's far end
       {{{'c', 61'440}}, 36'000},
-      {{{'r', 20'000}, {'b', 20'000, 20'000}}, 22'000},                       // random, but twice
+      {{{'r', 20'000}, {'b', 20'000, 20'000}}, 22'000},  // random, but twice
+      {{{'r', 5000}, {'b', 5000, 5000}, {'r', 3000}}, 8500},
       {{{'r', 30'001}, {'b', 120'000, 30'001}}, 34'000},                      // and often
       {{{'r', 100'000}, {'z', 3000}, {'r', 100'000}, {'z', 3000}}, 201'500},  // padding between
       {{{'t', 100'000}, {'r', 100}, {'t', 100'000}, {'r', 5000}, {'t', 1}}, 145'000},
@@ -202,6 +202,14 @@ TEST_F(ZipArchiveTest, FailuresAreReportedWithTheirCode) {
   setrlimit(RLIMIT_FSIZE, &before);
 }
 
+TEST_F(ZipArchiveTest, WhatIsHalfWrittenCanBePatched) {
+  TArchiveFile file(u"C:\\Archiv");
+  file.Write(std::string(65'540, 'a'));
+  file.Patch(65'530, "0123456789");
+  file.Close();
+  EXPECT_EQ(ReadFile(u"C:\\Archiv"), std::string(65'530, 'a') + "0123456789");
+}
+
 TEST(ZipRecordsTest, TheLongFormIsUsedWhereANumberDoesNotFit) {
   constexpr std::uint64_t kMost = 0xFFFFFFFE;
   struct {
@@ -211,15 +219,27 @@ TEST(ZipRecordsTest, TheLongFormIsUsedWhereANumberDoesNotFit) {
   } const entries[] = {
       {kMost, kMost, kMost, false, 31, 47},
       {9, kMost + 1, 9, true, 51, 59},
-      {kMost + 1, kMost + 1, 9, true, 51, 67},
+      {kMost + 2, kMost + 1, 9, true, 51, 67},
       {9, 9, kMost + 1, false, 31, 59},
+  };
+  const auto number = [](const std::string& record, std::size_t at) {
+    std::uint64_t value = 0;
+    record.copy(reinterpret_cast<char*>(&value), sizeof value, at);
+    return value;
   };
   for (const auto& test : entries) {
     const TZipEntry entry{"a", {}, 0, test.Packed, test.Size, test.Position, test.Long};
     EXPECT_EQ(zip_records::LocalHeader(entry).size(), test.Local);
     EXPECT_EQ(zip_records::DirectoryHeader(entry).size(), test.Directory);
+    if (!test.Long) continue;
+    EXPECT_EQ(number(zip_records::LocalHeader(entry), 35), test.Size);
+    EXPECT_EQ(number(zip_records::DirectoryHeader(entry), 51), test.Size);
   }
   EXPECT_EQ(zip_records::DirectoryEnd(65'535, kMost, kMost).size(), 22U);
-  EXPECT_EQ(zip_records::DirectoryEnd(65'536, 0, 0).size(), 98U);
+  EXPECT_EQ(zip_records::LocalHeader({"a", {1601, 1, 1}}).substr(10, 4), std::string("\0\0\x21\0", 4));
+  const std::string end = zip_records::DirectoryEnd(65'536, 5, 7);
+  EXPECT_EQ(end.size(), 98U);
+  EXPECT_EQ(number(end, 4), 44U) << "what follows of its first record";
+  EXPECT_EQ(number(end, 64), 12U) << "where that begins";
   EXPECT_EQ(zip_records::DirectoryEnd(1, kMost + 1, 0).size(), 98U);
 }
