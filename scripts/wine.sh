@@ -99,17 +99,17 @@ isGone() {
     [ "$(startTime "$1" || true)" != "$2" ]
 }
 
-# Ends the X server that $1/xserver names, unless the number has gone to another process since.
+# Ends the X server that $1/xserver names, unless the number has gone to another process since. What a killed one
+# leaves of its display, the next one with that number takes over.
 endXserver() {
-    local pid started display
+    local pid started
     [ -s "$1/xserver" ] || return 0
-    read -r pid started display <"$1/xserver"
+    read -r pid started _ <"$1/xserver"
     if ! isGone "$pid" "$started"; then
         kill "$pid" 2>/dev/null || true
         if ! waitUntil 10 isGone "$pid" "$started"; then
             kill -KILL "$pid" 2>/dev/null || true
             waitUntil 5 isGone "$pid" "$started" || return 1
-            rm -f "/tmp/.X$display-lock" "/tmp/.X11-unix/X$display"
         fi
     fi
     rm -f "$1/xserver"
