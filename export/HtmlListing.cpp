@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "export/ListingParts.h"
 #include "resources/Icons.h"
@@ -59,20 +60,16 @@ class TFileNames {
   void Add(TextView path) {
     const TextView name = NameWithoutFolder(path);
     if (name.empty()) return;
-    const auto [known, isNew] = fPaths.try_emplace(SameTextKey(name), TPath{UnicodeString(path), false});
-    if (!isNew && !SameText(known->second.First, path)) known->second.Several = true;
+    const auto [known, isNew] = fFirstPaths.try_emplace(SameTextKey(name), path);
+    if (!isNew && !SameText(known->second, path)) fDoubles.insert(known->first);
   }
   bool HasSeveralPaths(TextView path) const {
-    const auto known = fPaths.find(SameTextKey(NameWithoutFolder(path)));
-    return known != fPaths.end() && known->second.Several;
+    return !fDoubles.empty() && fDoubles.contains(SameTextKey(NameWithoutFolder(path)));
   }
 
  private:
-  struct TPath {
-    UnicodeString First;
-    bool Several;
-  };
-  std::unordered_map<std::string, TPath> fPaths;
+  std::unordered_map<std::string, UnicodeString> fFirstPaths;
+  std::unordered_set<std::string> fDoubles;
 };
 
 /// What the first walk over the rows finds out.
