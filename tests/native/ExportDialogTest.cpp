@@ -201,6 +201,7 @@ TEST_F(ExportDialogTest, FailuresOfTheExportLoseNothing) {
     EXPECT_TRUE(Has(log, "error box \"Velmora\": ") && Has(log, test.Message)) << test.Message;
     EXPECT_EQ(log.back().substr(log.back().find(' ')), " quit") << test.Message;
     EXPECT_EQ(ReadFile(u"C:\\Ziel.zip"), "altes Archiv") << test.Message;
+    EXPECT_FALSE(FileExists(u"C:\\~Archiv1.tmp"));
   }
   EXPECT_EQ(ReadFile(u"C:\\P\\a.ipt"), "erste");
   EXPECT_EQ(ReadFile(u"C:\\Temp\\x.iam\\x.iam"), R"({"references": []})");
