@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "export/ListingParts.h"
+#include "export/StagingFolder.h"
 #include "resources/Icons.h"
 
 namespace {
@@ -33,10 +34,6 @@ std::size_t KindOf(int image) {
   return found != kKinds.end() ? static_cast<std::size_t>(found - kKinds.begin()) : 0;
 }
 
-TextView NameWithoutFolder(TextView path) {
-  return path.substr(path.find_last_of(u"\\/") + 1);
-}
-
 /// Controls and non-characters, which may not stand in a page, become U+FFFD.
 UnicodeString Permitted(TextView text) {
   UnicodeString result(text);
@@ -54,17 +51,18 @@ UnicodeString Permitted(TextView text) {
   return result;
 }
 
-/// Tells which file names stand under more than one path. Names and paths are compared as SameText does it.
+/// Tells which names in the archive stand under more than one path. Names and paths are compared as SameText
+/// does it.
 class TFileNames {
  public:
   void Add(TextView path) {
-    const TextView name = NameWithoutFolder(path);
+    const TextView name = StagedName(path);
     if (name.empty()) return;
     const auto [known, isNew] = fFirstPaths.try_emplace(SameTextKey(name), path);
     if (!isNew && !SameText(known->second, path)) fDoubles.insert(known->first);
   }
   bool HasSeveralPaths(TextView path) const {
-    return !fDoubles.empty() && fDoubles.contains(SameTextKey(NameWithoutFolder(path)));
+    return !fDoubles.empty() && fDoubles.contains(SameTextKey(StagedName(path)));
   }
 
  private:

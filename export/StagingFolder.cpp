@@ -40,12 +40,6 @@ UnicodeString Obstacle(TextView folder, TextView archive, TQuery& files) {
   return {};
 }
 
-/// Behind the last separator, "/" too: nothing in the name may lead out of the folder.
-TextView PlainName(TextView file) {
-  const TextView name = FileNameWithoutFolder(file);
-  return name.substr(name.find_last_of(u'/') + 1);
-}
-
 }  // namespace
 
 UnicodeString StagingFolder(TextView fileName) {
@@ -67,7 +61,12 @@ void CheckStagingFolder(TextView folder, TextView archive, TQuery& files) {
   if (!obstacle.empty()) throw Refusal(folder, obstacle);
 }
 
+TextView StagedName(TextView file) {
+  const TextView name = FileNameWithoutFolder(file);
+  return name.substr(name.find_last_of(u'/') + 1);
+}
+
 void StageFile(TextView file, TextView folder) {
   if (!FileExists(file)) return;
-  CopyFileOver(file, UnicodeString(folder).append(PlainName(file)), [] { KeepAlive(); });
+  CopyFileOver(file, UnicodeString(folder).append(StagedName(file)), [] { KeepAlive(); });
 }

@@ -16,6 +16,10 @@ UnicodeString StagingFolder(TextView fileName);
 /// query's cursor where it was.
 void CheckStagingFolder(TextView folder, TextView archive, TQuery& files);
 
+/// The file's name in the folder: what stands behind the last separator, "/" too, so that nothing in it leads
+/// out of there.
+TextView StagedName(TextView file);
+
 /// Copies the file to the folder, over one of its name. One that is missing or cannot be copied is left out:
 /// the others must not wait for it.
 void StageFile(TextView file, TextView folder);
