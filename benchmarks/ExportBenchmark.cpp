@@ -9,13 +9,13 @@
 #include "benchmarks/GeneratedAssembly.h"
 #include "export/ExportAsmDlg.h"
 #include "export/HtmlListing.h"
-#include "export/ZipArchive.h"
+#include "headless/DialogScreen.h"
+#include "headless/TreeListScreen.h"
 #include "inventor/ApprenticeServer.h"
 #include "platform/EntryPoint.h"
 #include "platform/Files.h"
 #include "simulator/Simulator.h"
-#include "ui/headless/DialogScreen.h"
-#include "ui/headless/TreeListScreen.h"
+#include "zip/ZipArchive.h"
 
 // The export dialog of the whole program, in one process with the simulated component, and the parts of an
 // export, each at several numbers of rows.

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 
 // What the measurements of the native build share.
 

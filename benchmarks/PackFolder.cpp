@@ -1,8 +1,8 @@
 #include <cstdio>
 #include <exception>
 
-#include "export/ZipArchive.h"
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
+#include "zip/ZipArchive.h"
 
 // pack_folder FOLDER ARCHIVE: writes a new archive of all that lies in the folder. Both are full paths.
 int main(int count, char** arguments) {

@@ -4,8 +4,8 @@
 #include <fstream>
 #include <string>
 
+#include "headless/Machine.h"
 #include "inventor/PropertyList.h"
-#include "platform/headless/Machine.h"
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include "export/ExportAsmDlg.h"
 #include "export/HtmlListing.h"
 #include "export/StagingFolder.h"
-#include "export/ZipArchive.h"
 #include "platform/Error.h"
 #include "platform/FileOperations.h"
 #include "platform/Files.h"
@@ -13,6 +12,7 @@
 #include "platform/System.h"
 #include "ui/Application.h"
 #include "ui/Screen.h"
+#include "zip/ZipArchive.h"
 
 // The export dialog's work on a click on "Exportieren".
 

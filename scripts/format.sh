@@ -1,12 +1,11 @@
 #!/usr/bin/env bash
-# Usage: format.sh [--check]   lays out the C++ sources of program, tests and benchmarks by .clang-format, or only tells which are not
+# Usage: format.sh [--check]   lays out the C++ sources by .clang-format, or only tells which are not
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 scripts/packages.sh format
-mapfile -t files < <(find app benchmarks database export inventor platform simulator tests ui \
-    -name '*.cpp' -o -name '*.h' 2>/dev/null | sort)
+mapfile -t files < <(find . -path ./build -prune -o \( -name '*.cpp' -o -name '*.h' \) -print | sort)
 [ ${#files[@]} -gt 0 ] || { echo "format.sh: no sources found" >&2; exit 1; }
 
 case ${1:-} in

@@ -71,7 +71,8 @@ class TWatch {
     if (const HWND form = FindWindowOf(fProcess, L"TfrmMain")) LookAtForm(form);
     const HWND box = FindWindowOf(fProcess, L"#32770");
     // The save dialog is of the same class, but has no such text.
-    if (box != nullptr && box != fBox && ::GetDlgItem(box, 0xFFFF) != nullptr) Tell("box " + OneLine(TextOf(::GetDlgItem(box, 0xFFFF))));
+    if (box != nullptr && box != fBox && ::GetDlgItem(box, 0xFFFF) != nullptr)
+      Tell("box " + OneLine(TextOf(::GetDlgItem(box, 0xFFFF))));
     fBox = box;
   }
 

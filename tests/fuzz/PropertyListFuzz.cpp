@@ -1,7 +1,7 @@
 // The property list file against a plain reading of the same bytes.
 
+#include "headless/Machine.h"
 #include "inventor/PropertyList.h"
-#include "platform/headless/Machine.h"
 #include "tests/fuzz/Fuzz.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -6,7 +6,7 @@
 #include "database/Query.h"
 #include "database/Session.h"
 #include "database/SqlScript.h"
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 #include "tests/fuzz/Fuzz.h"
 
 using fuzz::Require;

@@ -10,9 +10,9 @@
 #include <iterator>
 #include <random>
 
-#include "export/PackedStream.h"
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 #include "tests/fuzz/Fuzz.h"
+#include "zip/PackedStream.h"
 
 namespace {
 

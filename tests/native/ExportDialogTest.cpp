@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "export/ExportAsmDlg.h"
+#include "headless/DialogScreen.h"
+#include "headless/TreeListScreen.h"
 #include "platform/Files.h"
 #include "tests/support/ProgramTest.h"
-#include "ui/headless/DialogScreen.h"
-#include "ui/headless/TreeListScreen.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "headless/DialogScreen.h"
 #include "tests/support/ProgramTest.h"
-#include "ui/headless/DialogScreen.h"
 
 // Each of the four tasks, and in each of them every call of the component, of files, system and windows, and
 // every piece of memory that the SQL engine asks for, fails once.

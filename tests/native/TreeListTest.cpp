@@ -1,9 +1,9 @@
 #include "ui/TreeList.h"
 
 #include "database/Session.h"
+#include "headless/TreeListScreen.h"
 #include "tests/support/TestMachine.h"
 #include "ui/Application.h"
-#include "ui/headless/TreeListScreen.h"
 
 namespace {
 

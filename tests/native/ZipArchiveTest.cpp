@@ -1,4 +1,4 @@
-#include "export/ZipArchive.h"
+#include "zip/ZipArchive.h"
 
 #include <sys/resource.h>
 #include <zlib.h>
@@ -7,11 +7,11 @@
 #include <cstdlib>
 #include <random>
 
-#include "export/ArchiveFile.h"
-#include "export/PackedStream.h"
-#include "export/ZipRecords.h"
 #include "tests/support/InputOutputCode.h"
 #include "tests/support/TestMachine.h"
+#include "zip/ArchiveFile.h"
+#include "zip/PackedStream.h"
+#include "zip/ZipRecords.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 
 /// A fresh machine with an empty disk of its own, TEMP and APPDATA set; the disk is removed at the end.
 class TMachineTest : public testing::Test {

@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/headless/Machine.h"
+#include "headless/DialogScreen.h"
+#include "headless/Machine.h"
 #include "ui/Application.h"
-#include "ui/headless/DialogScreen.h"
 
 using headless::Machine;
 

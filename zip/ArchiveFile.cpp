@@ -1,4 +1,4 @@
-#include "export/ArchiveFile.h"
+#include "zip/ArchiveFile.h"
 
 #include <algorithm>
 

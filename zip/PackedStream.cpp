@@ -1,4 +1,4 @@
-#include "export/PackedStream.h"
+#include "zip/PackedStream.h"
 
 #include <zlib.h>
 

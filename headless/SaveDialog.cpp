@@ -1,4 +1,4 @@
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 #include "ui/NativeSaveDialog.h"
 
 std::optional<UnicodeString> AskForSaveName(const TNativeWindow&, const TSaveRequest& request) {

@@ -1,4 +1,4 @@
-#include "export/ZipRecords.h"
+#include "zip/ZipRecords.h"
 
 #include <algorithm>
 

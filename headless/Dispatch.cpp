@@ -1,9 +1,9 @@
 #include "platform/Dispatch.h"
 
+#include "headless/Machine.h"
 #include "platform/DispatchTarget.h"
 #include "platform/Error.h"
 #include "platform/Variant.h"
-#include "platform/headless/Machine.h"
 
 /// An object of the headless world: a target and the references to it.
 struct TDispatch::TObject {

@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "export/ArchiveFile.h"
-#include "export/DataEstimate.h"
+#include "zip/ArchiveFile.h"
+#include "zip/DataEstimate.h"
 
 struct z_stream_s;
 

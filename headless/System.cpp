@@ -4,8 +4,8 @@
 #include <fstream>
 #include <optional>
 
+#include "headless/Machine.h"
 #include "platform/Error.h"
-#include "platform/headless/Machine.h"
 
 using headless::Machine;
 

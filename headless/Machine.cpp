@@ -1,4 +1,4 @@
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <optional>
 
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 #include "ui/Application.h"
 #include "ui/NativeTimer.h"
 

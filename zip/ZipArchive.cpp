@@ -1,4 +1,4 @@
-#include "export/ZipArchive.h"
+#include "zip/ZipArchive.h"
 
 #include <zlib.h>
 
@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "export/ArchiveFile.h"
-#include "export/PackedStream.h"
-#include "export/ZipRecords.h"
+#include "zip/ArchiveFile.h"
+#include "zip/PackedStream.h"
+#include "zip/ZipRecords.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 
 using headless::Machine;
 using headless::TDesktopWindow;

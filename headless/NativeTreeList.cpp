@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
+#include "headless/TreeListScreen.h"
 #include "ui/Application.h"
-#include "ui/headless/TreeListScreen.h"
 
 namespace {
 

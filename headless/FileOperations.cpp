@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "headless/Machine.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
-#include "platform/headless/Machine.h"
 
 using headless::HostPath;
 

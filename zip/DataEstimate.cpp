@@ -1,4 +1,4 @@
-#include "export/DataEstimate.h"
+#include "zip/DataEstimate.h"
 
 #include <algorithm>
 #include <cstring>

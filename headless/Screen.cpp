@@ -1,6 +1,6 @@
 #include "ui/Screen.h"
 
-#include "platform/headless/Machine.h"
+#include "headless/Machine.h"
 
 using headless::Machine;
 

@@ -11,9 +11,9 @@
 #include <memory>
 #include <utility>
 
+#include "headless/Machine.h"
 #include "platform/Error.h"
 #include "platform/Handle.h"
-#include "platform/headless/Machine.h"
 
 namespace {
 
