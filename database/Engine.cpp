@@ -5,16 +5,15 @@
 #include <climits>
 #include <utility>
 
-void TConnectionTraits::Close(THandle handle) noexcept {
-  // The later form waits for statements that are still open, in whatever order their owners go.
-  ::sqlite3_close_v2(handle);
-}
-
-void TStatementTraits::Close(THandle handle) noexcept {
-  ::sqlite3_finalize(handle);
-}
-
 namespace database {
+
+void CloseConnection(sqlite3* connection) noexcept {
+  ::sqlite3_close_v2(connection);
+}
+
+void CloseStatement(sqlite3_stmt* statement) noexcept {
+  ::sqlite3_finalize(statement);
+}
 
 EError SqlError(TextView message) {
   return {TErrorKind::Sql, SQLITE_MISUSE, UnicodeString(message)};

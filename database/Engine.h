@@ -11,19 +11,16 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-struct TConnectionTraits {
-  using THandle = sqlite3*;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept;
-};
-using TConnection = TUniqueHandle<TConnectionTraits>;
+namespace database {
 
-struct TStatementTraits {
-  using THandle = sqlite3_stmt*;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept;
-};
-using TStatement = TUniqueHandle<TStatementTraits>;
+/// Waits for statements that are still open, in whatever order their owners go.
+void CloseConnection(sqlite3* connection) noexcept;
+void CloseStatement(sqlite3_stmt* statement) noexcept;
+
+}  // namespace database
+
+using TConnection = TUniqueHandle<sqlite3*, database::CloseConnection>;
+using TStatement = TUniqueHandle<sqlite3_stmt*, database::CloseStatement>;
 
 namespace database {
 

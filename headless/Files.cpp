@@ -19,12 +19,7 @@ namespace {
 
 constexpr std::int32_t kInvalidHandle = 6;  // what Windows reports for a read without a handle
 
-struct TDescriptorTraits {
-  using THandle = int;
-  static THandle None() noexcept { return -1; }
-  static void Close(THandle handle) noexcept { ::close(handle); }
-};
-using TDescriptor = TUniqueHandle<TDescriptorTraits>;
+using TDescriptor = TUniqueHandle<int, ::close, -1>;
 
 TDescriptor OpenDescriptor(TextView path, int flags) {
   TDescriptor descriptor(::open(headless::HostPath(path).c_str(), flags | O_CLOEXEC, 0666));

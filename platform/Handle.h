@@ -1,16 +1,16 @@
 #pragma once
 
+#include <cstdint>
+#include <type_traits>
 #include <utility>
 
-/// Sole owner of one handle of the system. `Traits` names the handle's type, the value that stands for "none"
-/// and the function that closes it: `THandle`, `None()`, `Close(THandle)`.
-template <class Traits>
+/// Sole owner of one handle of the system: of type `T`, closed by the function `kClose`. `kNone` is the value
+/// that stands for "none", in pointers too.
+template <class T, auto kClose, std::intptr_t kNone = 0>
 class TUniqueHandle {
  public:
-  using THandle = typename Traits::THandle;
-
   TUniqueHandle() noexcept = default;
-  explicit TUniqueHandle(THandle handle) noexcept : fHandle(handle) {}
+  explicit TUniqueHandle(T handle) noexcept : fHandle(handle) {}
   TUniqueHandle(TUniqueHandle&& other) noexcept : fHandle(other.Detach()) {}
   TUniqueHandle& operator=(TUniqueHandle&& other) noexcept {
     if (this != &other) Reset(other.Detach());
@@ -18,14 +18,22 @@ class TUniqueHandle {
   }
   ~TUniqueHandle() { Reset(); }
 
-  explicit operator bool() const noexcept { return fHandle != Traits::None(); }
-  THandle Get() const noexcept { return fHandle; }
-  THandle Detach() noexcept { return std::exchange(fHandle, Traits::None()); }
-  void Reset(THandle handle = Traits::None()) noexcept {
-    if (*this) Traits::Close(fHandle);
+  explicit operator bool() const noexcept { return fHandle != None(); }
+  T Get() const noexcept { return fHandle; }
+  T Detach() noexcept { return std::exchange(fHandle, None()); }
+  void Reset(T handle = None()) noexcept {
+    if (*this) kClose(fHandle);
     fHandle = handle;
   }
 
  private:
-  THandle fHandle = Traits::None();
+  static T None() noexcept {
+    if constexpr (std::is_pointer_v<T>) {
+      return reinterpret_cast<T>(kNone);
+    } else {
+      return static_cast<T>(kNone);
+    }
+  }
+
+  T fHandle = None();
 };

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include "platform/windows/LastError.h"
-#include "platform/windows/Links.h"
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/SystemPath.h"
 

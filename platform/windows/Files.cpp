@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "platform/windows/LastError.h"
-#include "platform/windows/Links.h"
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/SystemPath.h"
 #include "platform/windows/Wide.h"

@@ -46,6 +46,7 @@ void WaitMilliseconds(int milliseconds) {
   constexpr LONGLONG kUnitsPerMillisecond = 10'000;
   // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION, in Windows since 10.1803; older headers lack it.
   constexpr DWORD kHighResolution = 2;
+  using TTimerHandle = TUniqueHandle<HANDLE, ::CloseHandle>;
   static const TTimerHandle timer(
       ::CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS));
   LARGE_INTEGER due{};

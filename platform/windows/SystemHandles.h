@@ -2,46 +2,28 @@
 
 #include <windows.h>
 
+#include "platform/Error.h"
 #include "platform/Handle.h"
+#include "platform/System.h"
 
-/// A file; "none" is what CreateFile answers when it fails.
-struct TFileHandleTraits {
-  using THandle = HANDLE;
-  static THandle None() noexcept { return INVALID_HANDLE_VALUE; }
-  static void Close(THandle handle) noexcept { ::CloseHandle(handle); }
-};
-using TFileHandle = TUniqueHandle<TFileHandleTraits>;
+// What calls of the system leave behind: handles, references and errors.
+
+using TFileHandle = TUniqueHandle<HANDLE, ::CloseHandle, -1>;  // INVALID_HANDLE_VALUE
+using TFindHandle = TUniqueHandle<HANDLE, ::FindClose, -1>;
 
 /// Closes a file whose closing may fail; the destructor could not tell.
 inline bool CloseChecked(TFileHandle& handle) noexcept {
   return ::CloseHandle(handle.Detach()) != 0;
 }
 
-/// A search through a folder.
-struct TFindHandleTraits {
-  using THandle = HANDLE;
-  static THandle None() noexcept { return INVALID_HANDLE_VALUE; }
-  static void Close(THandle handle) noexcept { ::FindClose(handle); }
-};
-using TFindHandle = TUniqueHandle<TFindHandleTraits>;
-
-struct TTimerHandleTraits {
-  using THandle = HANDLE;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept { ::CloseHandle(handle); }
-};
-using TTimerHandle = TUniqueHandle<TTimerHandleTraits>;
+template <class T>
+void ReleaseComObject(T* object) noexcept {
+  object->Release();
+}
 
 /// One counted reference to an object of the system.
 template <class T>
-struct TComTraits {
-  using THandle = T*;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept { handle->Release(); }
-};
-
-template <class T>
-class TComReference : public TUniqueHandle<TComTraits<T>> {
+class TComReference : public TUniqueHandle<T*, ReleaseComObject<T>> {
  public:
   T* operator->() const noexcept { return this->Get(); }
 
@@ -54,3 +36,22 @@ class TComReference : public TUniqueHandle<TComTraits<T>> {
     return result;
   }
 };
+
+/// The system's error `code` with its text.
+inline EError SystemError(DWORD code) {
+  const auto signedCode = static_cast<std::int32_t>(code);
+  return {TErrorKind::System, signedCode, SystemErrorText(signedCode)};
+}
+
+/// The same, of a file or a folder.
+inline EError InputOutputError(DWORD code) {
+  return InputOutputError(static_cast<std::int32_t>(code));
+}
+
+inline EError LastSystemError() {
+  return SystemError(::GetLastError());
+}
+
+inline EError LastInputOutputError() {
+  return InputOutputError(::GetLastError());
+}

@@ -25,3 +25,9 @@ inline UnicodeString SystemPath(TextView path) {
   full.resize(length);
   return isShare ? u"\\\\?\\UNC" + full.substr(1) : u"\\\\?\\" + full;
 }
+
+/// Not every reparse point leads elsewhere: a file in the cloud, say, is a file. Wine names no tag.
+inline bool IsLink(const WIN32_FIND_DATAW& found) {
+  if ((found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return false;
+  return found.dwReserved0 == 0 || IsReparseTagNameSurrogate(found.dwReserved0);
+}

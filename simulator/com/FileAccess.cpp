@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "platform/windows/LastError.h"
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 

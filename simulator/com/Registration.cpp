@@ -4,10 +4,12 @@
 
 #include <array>
 
+#include "platform/Handle.h"
 #include "platform/windows/Wide.h"
-#include "simulator/com/RegistryKey.h"
 
 namespace {
+
+using TRegistryKey = TUniqueHandle<HKEY, ::RegCloseKey>;
 
 constexpr TextView kClassKey = u"Software\\Classes\\CLSID\\{C343ED84-A129-11D3-B799-0060B0F159EF}";
 constexpr TextView kInProcess = u"InprocServer32";

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/windows/LastError.h"
+#include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 
 TTraceFile::TTraceFile(const UnicodeString& path)

@@ -1,6 +1,6 @@
 #include "ui/windows/CommonControls.h"
 
-#include "platform/windows/LastError.h"
+#include "platform/windows/SystemHandles.h"
 
 namespace {
 

@@ -21,9 +21,7 @@ struct TCommonControls {
 /// Stay loaded until the program ends. Throws EError of kind System.
 const TCommonControls& CommonControls();
 
-struct TImageListTraits {
-  using THandle = HIMAGELIST;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept { CommonControls().ImageListDestroy(handle); }
-};
-using TImageListHandle = TUniqueHandle<TImageListTraits>;
+inline void DestroyImageList(HIMAGELIST list) noexcept {
+  CommonControls().ImageListDestroy(list);
+}
+using TImageListHandle = TUniqueHandle<HIMAGELIST, DestroyImageList>;

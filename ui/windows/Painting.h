@@ -6,19 +6,8 @@
 #include "platform/windows/Wide.h"
 #include "ui/NativeWindow.h"
 
-struct TFontTraits {
-  using THandle = HFONT;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept { ::DeleteObject(handle); }
-};
-using TFontHandle = TUniqueHandle<TFontTraits>;
-
-struct TIconTraits {
-  using THandle = HICON;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept { ::DestroyIcon(handle); }
-};
-using TIconHandle = TUniqueHandle<TIconTraits>;
+using TFontHandle = TUniqueHandle<HFONT, ::DeleteObject>;
+using TIconHandle = TUniqueHandle<HICON, ::DestroyIcon>;
 
 TFontHandle MakeFont(const TFont& font, int dpi);
 

@@ -2,7 +2,6 @@
 
 #include <shlobj.h>
 
-#include "platform/windows/LastError.h"
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 #include "ui/NativeSaveDialog.h"

@@ -24,12 +24,7 @@ constexpr int kBarHeight = 26;
 constexpr int kButtonSize = 22;
 constexpr int kImageSize = 12;
 
-struct TBitmapTraits {
-  using THandle = HBITMAP;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept { ::DeleteObject(handle); }
-};
-using TBitmapHandle = TUniqueHandle<TBitmapTraits>;
+using TBitmapHandle = TUniqueHandle<HBITMAP, ::DeleteObject>;
 
 /// How much of a pixel the arrows cover, 0 to 255. All lengths are in fractions of the image; an arrow points
 /// to the right, half as wide as high.

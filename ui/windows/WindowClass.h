@@ -3,15 +3,10 @@
 #include <windows.h>
 
 #include "platform/Handle.h"
-#include "platform/windows/LastError.h"
+#include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 
-struct TWindowTraits {
-  using THandle = HWND;
-  static THandle None() noexcept { return nullptr; }
-  static void Close(THandle handle) noexcept { ::DestroyWindow(handle); }
-};
-using TWindow = TUniqueHandle<TWindowTraits>;
+using TWindow = TUniqueHandle<HWND, ::DestroyWindow>;
 
 inline HINSTANCE ProgramInstance() noexcept {
   return ::GetModuleHandleW(nullptr);
