@@ -112,7 +112,7 @@ TEST_F(AssemblyScanTest, EntersFilesDepthFirst) {
   }
 }
 
-TEST_F(AssemblyScanTest, EachLevelHasAServerOfItsOwn) {
+TEST_F(AssemblyScanTest, OpensOneServerPerLevel) {
   WriteFile(u"C:\\P\\w.iam", R"({"displayName": "Wurzel", "references": ["u.iam"]})");
   WriteFile(u"C:\\P\\u.iam", R"({"references": [{"file": "t.ipt", "displayName": "Teil:1"}]})");
   ASSERT_EQ(Scan("w.iam"), u"");
@@ -145,7 +145,7 @@ TEST_F(AssemblyScanTest, EachLevelHasAServerOfItsOwn) {
   EXPECT_TRUE(fQuery.Field(u"NewFilename").IsNull());
 }
 
-TEST_F(AssemblyScanTest, EveryFaultLeavesTheRowsThatWereEntered) {
+TEST_F(AssemblyScanTest, FaultsKeepEnteredRows) {
   std::vector<TFile> files = {{"s.iam", {"a.ipt", "0.iam", "z.ipt"}}, {"s.idw", {}}, {"a.idw", {}}};
   for (int level = 0; level < 60; ++level) {
     files.push_back({std::to_string(level) + ".iam",

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/Path.h"
 #include "simulator/DocumentFile.h"
 #include "tests/support/ProgramTest.h"
 
@@ -30,27 +29,7 @@ class DrawingReferenceTest : public TProgramTest {
 
 }  // namespace
 
-TEST(Path, TheExtensionStandsBehindTheLastSeparator) {
-  struct {
-    TextView Name;
-    TextView Extension;
-    TextView Changed;
-  } const cases[] = {
-      {u"X:\\Alt\\Teil.ipt", u".ipt", u"X:\\Alt\\Teil.zip"},
-      {u"X:\\V1.2\\Teil", u"", u"X:\\V1.2\\Teil.zip"},
-      {u"X:Teil", u"", u"X:Teil.zip"},
-      {u"Teil.a.IPT", u".IPT", u"Teil.a.zip"},
-      {u"X:\\Teil.", u".", u"X:\\Teil.zip"},
-      {u"X:\\.ipt", u".ipt", u"X:\\.zip"},
-      {u"", u"", u".zip"},
-  };
-  for (const auto& test : cases) {
-    EXPECT_EQ(FileExtension(test.Name), test.Extension);
-    EXPECT_EQ(ChangeFileExtension(test.Name, u".zip"), test.Changed);
-  }
-}
-
-TEST_F(DrawingReferenceTest, RepointsEveryReferenceBesideTheDrawing) {
+TEST_F(DrawingReferenceTest, PointsEveryReferenceBesideTheDrawing) {
   WriteFile(kDrawing,
             DrawingWith(R"("X:\\Alt\\Irgendwas.ipt", "Baugruppe.iam", "X:\\V1.2\\Rohling", "a.b.ipt")"));
   const auto log = Run(kRun);
@@ -64,7 +43,7 @@ TEST_F(DrawingReferenceTest, RepointsEveryReferenceBesideTheDrawing) {
   EXPECT_EQ(Calls().at(3) + Calls().at(4), "referencedfiles.Count = 0server.SaveSet");
 }
 
-TEST_F(DrawingReferenceTest, ClosesAtOnceWhereTheDrawingMustBeMigrated) {
+TEST_F(DrawingReferenceTest, ClosesAfterRefusingAnOldDrawing) {
   WriteFile(kDrawing, DocumentWith("", R"("needsMigration": 1, "references": ["a.ipt"],)"));
   headless::Machine().PressOkAfter = {100};
   const auto log = Run(kRun);

@@ -9,7 +9,7 @@
 
 class FileOperationsTest : public TMachineTest {};
 
-TEST_F(FileOperationsTest, LinksAreNotFollowed) {
+TEST_F(FileOperationsTest, DoesNotFollowLinks) {
   WriteFile(u"C:\\Quelle\\a", "a");
   WriteFile(u"C:\\neu", "neu");
   CreateFolders(u"C:\\Ordner");
@@ -30,7 +30,7 @@ TEST_F(FileOperationsTest, LinksAreNotFollowed) {
   EXPECT_FALSE(FileExists(u"C:\\fehlt"));
 }
 
-TEST_F(FileOperationsTest, NoCopyIsLeftHalf) {
+TEST_F(FileOperationsTest, FailedCopyLeavesNoFile) {
   WriteFile(u"C:\\groß", std::string(600'000, 'x'));
   WriteFile(u"C:\\alt", "alt");
   std::filesystem::permissions(headless::HostPath(u"C:\\alt"), std::filesystem::perms::owner_read);

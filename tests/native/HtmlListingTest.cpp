@@ -28,7 +28,7 @@ std::size_t Count(const std::string& page, const std::string& text) {
 
 }  // namespace
 
-TEST(HtmlListing, ShowsLevelsKindsAndMissingFiles) {
+TEST(HtmlListingTest, ShowsLevelsKindsAndMissingFiles) {
   const TListingRow part{2, ICON_PART, u"2", u"Deckel", u"C:\\d.ipt", true};
   const TListingRow assembly{0, ICON_ASSEMBLY, u"1", u"Pumpe", u"C:\\p.iam"};
   const TListingRow drawing{1, ICON_DRAWING, u"3", u"Bl\x85tt", u"C:\\b.idw"};
@@ -55,7 +55,7 @@ TEST(HtmlListing, ShowsLevelsKindsAndMissingFiles) {
   }
 }
 
-TEST(HtmlListing, OneNameUnderSeveralPathsIsMarked) {
+TEST(HtmlListingTest, MarksNamesUnderSeveralPaths) {
   const struct {
     std::vector<TextView> Files;
     std::string Marks;

@@ -26,7 +26,7 @@ class PropertyListTest : public TMachineTest {};
 
 }  // namespace
 
-TEST_F(PropertyListTest, IsReadInRecordsOfTwoLines) {
+TEST_F(PropertyListTest, ReadsRecordsOfTwoLines) {
   struct {
     std::string Bytes;
     std::vector<std::string> Entries;
@@ -65,7 +65,7 @@ TEST_F(PropertyListTest, IsReadInRecordsOfTwoLines) {
   }
 }
 
-TEST_F(PropertyListTest, EntriesAreFoundByTheTextBeforeAnyOfTheirEqualSigns) {
+TEST_F(PropertyListTest, FindsEntriesByTextBeforeAnyEqualSign) {
   TPropertyList list;
   list.Append(u"A=B", u"v");
   list.Append(u"a", u"x");

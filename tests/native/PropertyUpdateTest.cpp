@@ -49,7 +49,7 @@ class PropertyUpdateTest : public TProgramTest {
 
 }  // namespace
 
-TEST_F(PropertyUpdateTest, LeavesTheDocumentAsTheListSays) {
+TEST_F(PropertyUpdateTest, AppliesTheList) {
   constexpr int kRefused = -1;
   const struct {
     const char* What;
@@ -103,7 +103,7 @@ TEST_F(PropertyUpdateTest, LeavesTheDocumentAsTheListSays) {
   }
 }
 
-TEST_F(PropertyUpdateTest, WithoutAReadableListTheDocumentIsNotOpened) {
+TEST_F(PropertyUpdateTest, UnreadableListLeavesDocumentClosed) {
   WriteDocument("A=1", false);
   EXPECT_EQ(Run(u"/P C:\\Teil.ipt C:\\fehlt.txt").at(3), "0 error box \"Velmora\": E/A-Fehler 104");
   EXPECT_EQ(Run(u"/P \"C:\\Projekt\\Teil ä.ipt\"").at(3), "0 error box \"Velmora\": E/A-Fehler 6");

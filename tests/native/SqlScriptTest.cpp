@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(SqlScriptTest, OnlyNamesAndTheTypeAreReplaced) {
+TEST(SqlScriptTest, ReplacesOnlyTableNamesAndKeyType) {
   struct {
     std::string_view Sql;
     std::string_view Engine;

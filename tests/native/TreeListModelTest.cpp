@@ -1,11 +1,9 @@
+#include "ui/TreeListModel.h"
+
 #include <gtest/gtest.h>
 
-#include <numeric>
 #include <string>
 #include <vector>
-
-#include "ui/ColumnLayout.h"
-#include "ui/TreeListModel.h"
 
 namespace {
 
@@ -59,7 +57,7 @@ class TreeListModelTest : public testing::Test {
 
 }  // namespace
 
-TEST(TreeListAttachment, HangsRowsUnderTheirParents) {
+TEST_F(TreeListModelTest, AttachesRowsToParents) {
   const struct {
     const char* What;
     std::vector<TTreeRow> Rows;
@@ -83,7 +81,7 @@ TEST(TreeListAttachment, HangsRowsUnderTheirParents) {
   for (const auto& test : cases) EXPECT_EQ(Shape(test.Rows), test.Shape) << test.What;
 }
 
-TEST_F(TreeListModelTest, AnswersKeys) {
+TEST_F(TreeListModelTest, HandlesKeys) {
   EXPECT_EQ(Seen(), ">-0 +1 +4 6");
   const struct {
     TTreeKey Key;
@@ -123,7 +121,7 @@ TEST_F(TreeListModelTest, AnswersKeys) {
   EXPECT_EQ(fModel.Current(), TTreeListModel::kNone);
 }
 
-TEST_F(TreeListModelTest, KeepsACurrentRowThatCanBeSeen) {
+TEST_F(TreeListModelTest, CurrentRowStaysVisible) {
   fModel.MakeCurrent(3);
   EXPECT_EQ(Seen(), "-0 -1 2 >3 +4 6");
   fModel.OpenAll();
@@ -142,7 +140,7 @@ TEST_F(TreeListModelTest, KeepsACurrentRowThatCanBeSeen) {
   EXPECT_EQ(Seen(), ">-0 +1 +4 6") << "the deeper ones stay closed";
 }
 
-TEST_F(TreeListModelTest, FindsTypedLetters) {
+TEST_F(TreeListModelTest, FindsByPrefix) {
   const struct {
     TextView Prefix;
     std::size_t From;
@@ -159,7 +157,7 @@ TEST_F(TreeListModelTest, FindsTypedLetters) {
   }
 }
 
-TEST_F(TreeListModelTest, MeasuresOnlyWhatCanBeSeen) {
+TEST_F(TreeListModelTest, MeasuresOnlyVisibleRows) {
   std::vector<std::size_t> asked;
   const auto text = [&asked](std::size_t record) {
     asked.push_back(record);
@@ -168,21 +166,4 @@ TEST_F(TreeListModelTest, MeasuresOnlyWhatCanBeSeen) {
   EXPECT_EQ(fModel.LongestText(text), u"xxxxxxxxx");
   EXPECT_EQ(fModel.Depth(), 1);
   EXPECT_EQ(asked, (std::vector<std::size_t>{0, 1, 4, 6}));
-}
-
-TEST(ColumnLayout, FillsTheWidth) {
-  const struct {
-    std::vector<int> Shares;
-    int Available;
-    std::vector<int> Widths;
-  } cases[] = {
-      {{}, 100, {}},
-      {{54, 454, 380}, 888, {54, 454, 380}},
-      {{1, 1, 1}, 100, {33, 34, 33}},
-      {{1, 2}, 900, {300, 600}},
-      {{0, 0}, 10, {5, 5}},
-      {{50, 50}, -3, {0, 0}},
-      {{1'000'000, 2'000'000}, 30'000, {10'000, 20'000}},
-  };
-  for (const auto& test : cases) EXPECT_EQ(DivideWidth(test.Shares, test.Available), test.Widths);
 }

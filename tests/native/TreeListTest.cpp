@@ -56,7 +56,7 @@ class TreeListTest : public TMachineTest {
 
 }  // namespace
 
-TEST_F(TreeListTest, OthersGiveWayToTheFittedTreeColumn) {
+TEST_F(TreeListTest, TreeColumnKeepsItsFittedWidth) {
   Fill();
   fId->ApplyBestFit();
   fList.SetBounds({0, 0, 215, 140});
@@ -65,7 +65,7 @@ TEST_F(TreeListTest, OthersGiveWayToTheFittedTreeColumn) {
   EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{50, 50})) << "but keep half of the room";
 }
 
-TEST_F(TreeListTest, MovesTheCursorWithTheCurrentRow) {
+TEST_F(TreeListTest, CursorFollowsCurrentRow) {
   Fill();
   TScreen::Type(u"na");
   EXPECT_EQ(fQuery.Row(), 2U);
@@ -91,7 +91,7 @@ TEST_F(TreeListTest, MovesTheCursorWithTheCurrentRow) {
   EXPECT_TRUE(fQuery.Eof()) << "drawing and listing leave the cursor alone";
 }
 
-TEST_F(TreeListTest, AsksOnceForEachDrawnText) {
+TEST_F(TreeListTest, ValidatesEachTextOnce) {
   std::string asked;
   fName->OnValidateDrawValue = [&asked](const UnicodeString& value, TDrawWarning& warning) {
     asked += Utf8FromText(value) + " ";
@@ -104,7 +104,7 @@ TEST_F(TreeListTest, AsksOnceForEachDrawnText) {
   EXPECT_EQ(headless::Machine().Log.front(), "0 error box without owner \"Velmora\": Zugriff verweigert");
 }
 
-TEST_F(TreeListTest, IsEmptyAfterAFailedBinding) {
+TEST_F(TreeListTest, FailedBindingLeavesListEmpty) {
   Fill();
   fList.ParentField = u"Eltern";
   EXPECT_THROW(Insert(-1, u"Deckel"), EError);

@@ -102,7 +102,7 @@ class ZipArchiveTest : public TMachineTest {
 
 }  // namespace
 
-TEST_F(ZipArchiveTest, StreamsGiveBackWhatWasPacked) {
+TEST_F(ZipArchiveTest, PackedStreamsRoundTrip) {
   struct {
     std::vector<TRecipe::TPart> Parts;
     std::size_t Most;  ///< bytes of the stream
@@ -136,7 +136,7 @@ TEST_F(ZipArchiveTest, StreamsGiveBackWhatWasPacked) {
   }
 }
 
-TEST_F(ZipArchiveTest, ReadersFindTheFolderInTheArchive) {
+TEST_F(ZipArchiveTest, IndependentReadersSeeTheFolder) {
   TRecipe recipe;
   const std::string mixed = recipe.Data({{'r', 9999}, {'t', 70'000}, {'r', 300'000}, {'z', 5555}});
   const TextView names[] = {u"&<>\"'%.txt", u"a.ipt",    u"a/b",      u"a/leer/",
@@ -163,7 +163,7 @@ TEST_F(ZipArchiveTest, ReadersFindTheFolderInTheArchive) {
   CheckByReaders(u"C:\\Archiv.zip", u"C:\\Quelle", order);
 }
 
-TEST_F(ZipArchiveTest, AFileMayChangeItsSizeWhileItIsRead) {
+TEST_F(ZipArchiveTest, FilesMayChangeSizeWhileRead) {
   TRecipe recipe;
   const std::string data = recipe.Data({{'r', 400'000}, {'t', 400'000}});
   for (const std::size_t size : {300'000U, 900'000U}) {
@@ -184,7 +184,7 @@ TEST_F(ZipArchiveTest, AFileMayChangeItsSizeWhileItIsRead) {
   }
 }
 
-TEST_F(ZipArchiveTest, FailuresAreReportedWithTheirCode) {
+TEST_F(ZipArchiveTest, ErrorsCarrySystemCode) {
   WriteFile(u"C:\\Quelle\\a", TRecipe().Data({{'r', 900'000}}));
   TZipArchive archive(u"C:\\Archiv.zip");
   EXPECT_EQ(InputOutputCode([&] { archive.AddFile(u"C:\\Quelle\\fehlt", u"a"); }), 2);
@@ -202,7 +202,7 @@ TEST_F(ZipArchiveTest, FailuresAreReportedWithTheirCode) {
   setrlimit(RLIMIT_FSIZE, &before);
 }
 
-TEST_F(ZipArchiveTest, WhatIsHalfWrittenCanBePatched) {
+TEST_F(ZipArchiveTest, PatchSpansBufferAndFile) {
   TArchiveFile file(u"C:\\Archiv");
   file.Write(std::string(65'540, 'a'));
   file.Patch(65'530, "0123456789");
@@ -210,7 +210,7 @@ TEST_F(ZipArchiveTest, WhatIsHalfWrittenCanBePatched) {
   EXPECT_EQ(ReadFile(u"C:\\Archiv"), std::string(65'530, 'a') + "0123456789");
 }
 
-TEST(ZipRecordsTest, TheLongFormIsUsedWhereANumberDoesNotFit) {
+TEST_F(ZipArchiveTest, UsesZip64WhereNumbersDoNotFit) {
   constexpr std::uint64_t kMost = 0xFFFFFFFE;
   struct {
     std::uint64_t Packed, Size, Position;

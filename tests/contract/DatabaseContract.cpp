@@ -72,7 +72,7 @@ class DatabaseContract : public testing::Test {
 
 }  // namespace
 
-TEST_F(DatabaseContract, TablesKeepApartWhateverTheMachineIsCalled) {
+TEST_F(DatabaseContract, AcceptsAnyMachineName) {
   const std::vector<UnicodeString> names = {
       u"",    u"VM",  u"PC-01", u"BÜRO-ÄÖß", u"A$B",  u"A.B",    u"1PC", u"O'NEIL", u"A\"B",
       u"A`B", u"[A]", u"--A",   u"/*A",      u"A(B)", u"SELECT", u"A,B", u"A=B",    u"🔧",
@@ -90,7 +90,7 @@ TEST_F(DatabaseContract, TablesKeepApartWhateverTheMachineIsCalled) {
   }
 }
 
-TEST_F(DatabaseContract, RowsAreInsertedByPositionAndReadByName) {
+TEST_F(DatabaseContract, InsertsByPositionAndReadsByName) {
   OpenTable(u"##SA_VM");
   EXPECT_EQ(Query.RowCount(), 0U);
   EXPECT_TRUE(Query.Eof());
@@ -122,7 +122,7 @@ TEST_F(DatabaseContract, RowsAreInsertedByPositionAndReadByName) {
   EXPECT_THROW(Query.Field(u"Preis"), EError);
 }
 
-TEST_F(DatabaseContract, AnswersToSelectsInEveryForm) {
+TEST_F(DatabaseContract, AcceptsSelectVariants) {
   OpenTable(u"##T");
   for (const std::int64_t number : {30, 10, 20}) Query.InsertRecord({number, true, u"AutoInc ##T; -- TRUE"});
   struct {
@@ -144,7 +144,7 @@ TEST_F(DatabaseContract, AnswersToSelectsInEveryForm) {
   }
 }
 
-TEST_F(DatabaseContract, WrongStatementsNameThemselvesAndTheEngine) {
+TEST_F(DatabaseContract, ErrorsNameStatementAndReason) {
   OpenTable(u"##T");
   Query.InsertRecord({1});
   struct {
@@ -173,7 +173,7 @@ TEST_F(DatabaseContract, WrongStatementsNameThemselvesAndTheEngine) {
   EXPECT_EQ(Rows(), TRows{u"2 - - 1"}) << "what an error has left";
 }
 
-TEST_F(DatabaseContract, TablesLiveAsLongAsTheSession) {
+TEST_F(DatabaseContract, TablesEndWithTheSession) {
   OpenTable(u"##T");
   std::vector<TQueryChange> changes;
   Query.OnChange = [&changes](TQueryChange change) { changes.push_back(change); };

@@ -9,7 +9,7 @@
 // What every back end owes to the export. Not here: links, which not every user of Windows may make, and the
 // calls while a file is copied, which Wine leaves out.
 
-TEST(FileOperationsContract, NormalisedPathsCanBeCompared) {
+TEST(FileOperationsContract, NormalisesPaths) {
   struct {
     TextView Path;
     TextView Normalised;
@@ -29,7 +29,7 @@ TEST(FileOperationsContract, NormalisedPathsCanBeCompared) {
   EXPECT_EQ(NormalisedPath(longPath + u"\\"), longPath);
 }
 
-TEST(FileOperationsContract, FilesAreCopiedRenamedAndRemoved) {
+TEST(FileOperationsContract, CopiesRenamesAndRemoves) {
   const UnicodeString folder = EnvironmentVariable(u"TEMP") + u"\\Umgang ß";
   const auto path = [&folder](TextView name) { return (folder + u"\\").append(name); };
   const auto read = [&path](TextView name) {

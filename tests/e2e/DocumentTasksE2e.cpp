@@ -21,7 +21,7 @@ std::wstring SystemText(HRESULT result) {
   return {text.begin(), text.end()};
 }
 
-class DocumentTasks : public EndToEnd {
+class DocumentTasksE2e : public EndToEnd {
  protected:
   void SetUp() override {
     WriteFile(L"Größe & Co's.v2\\Teil 4711.idw",
@@ -37,7 +37,7 @@ class DocumentTasks : public EndToEnd {
 
 }  // namespace
 
-TEST_F(DocumentTasks, TheReferencesOfADrawingAreChanged) {
+TEST_F(DocumentTasksE2e, ChangesReferencesOfDrawing) {
   const std::wstring drawing = L"Größe & Co's.v2\\Teil 4711.idw";
   const TProgram program(Arguments(L"/R", drawing), Environment({{L"APPRENTICE_DELAY_MS", L"400"}}));
   EXPECT_TRUE(program.WaitForStatus(L"Referenz wird geändert..."));
@@ -63,7 +63,7 @@ TEST_F(DocumentTasks, TheReferencesOfADrawingAreChanged) {
   EXPECT_NE(ReadFile(drawing).find("Teil 4711.ipt"), std::string::npos);
 }
 
-TEST_F(DocumentTasks, ADrawingToBeMigratedIsRefusedInABox) {
+TEST_F(DocumentTasksE2e, RefusesOldDrawingInABox) {
   const std::string before = ReadFile(L"alt.idw");
   for (const bool pressOk : {true, false}) {
     const TProgram program(Arguments(L"/R", L"alt.idw"), Environment());
@@ -86,7 +86,7 @@ TEST_F(DocumentTasks, ADrawingToBeMigratedIsRefusedInABox) {
   }
 }
 
-TEST_F(DocumentTasks, TheFirstTextNamedAsTheHintIsRemoved) {
+TEST_F(DocumentTasksE2e, RemovesFirstTextHint) {
   const std::string hint = R"({"name": "IndexHinweis", "type": "text", "value": "alt"})";
   const std::string number = R"({"name": "IndexHinweis", "type": "integer", "value": 1})";
   const std::string lower = R"({"name": "indexhinweis", "type": "text", "value": "alt"})";
@@ -129,7 +129,7 @@ TEST_F(DocumentTasks, TheFirstTextNamedAsTheHintIsRemoved) {
   }
 }
 
-TEST_F(DocumentTasks, ArgumentsOfAnyKindReachTheComponentWhole) {
+TEST_F(DocumentTasksE2e, ArgumentsReachTheComponent) {
   const std::wstring name = L"Теил €\U0001F600 & Co's.ipt";  // outside the ANSI code page
   const std::string document = ReadFile(L"Teil.ipt");
   const std::wstring folder = Path(L"");
@@ -157,7 +157,7 @@ TEST_F(DocumentTasks, ArgumentsOfAnyKindReachTheComponentWhole) {
   EXPECT_EQ(TraceText(), trace) << "an empty first argument is none at all";
 }
 
-TEST_F(DocumentTasks, FailuresAreShownWithTheComponentsWords) {
+TEST_F(DocumentTasksE2e, ShowsComponentErrors) {
   struct {
     TProgram::TEnvironment Changes;
     std::wstring Text;

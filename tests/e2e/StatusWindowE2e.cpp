@@ -54,7 +54,7 @@ std::string ExpectedTrace(const std::string& path) {
          "document.Release\nserver.Release\nalive 0\n";
 }
 
-class PropertyUpdate : public EndToEnd {
+class StatusWindowE2e : public EndToEnd {
  protected:
   void SetUp() override {
     WriteFile(L"Teil ä.ipt", kDocument);
@@ -76,7 +76,7 @@ class PropertyUpdate : public EndToEnd {
 
 }  // namespace
 
-TEST_F(PropertyUpdate, WritesTheDocumentAndCloses) {
+TEST_F(StatusWindowE2e, WritesDocumentAndCloses) {
   const TProgram program(Arguments(), Environment({{L"APPRENTICE_DELAY_MS", L"400"}}));
   const HWND form = program.StatusWindow();
   ASSERT_NE(form, nullptr);
@@ -101,7 +101,7 @@ TEST_F(PropertyUpdate, WritesTheDocumentAndCloses) {
   EXPECT_EQ(TraceText(), ExpectedTrace(Utf8Path(L"Teil ä.ipt")));
 }
 
-TEST_F(PropertyUpdate, StandsOverTheFirstWindowThatNamesTheHost) {
+TEST_F(StatusWindowE2e, CentresOnFirstHostWindow) {
   RECT work{};
   ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
   struct {
@@ -134,7 +134,7 @@ TEST_F(PropertyUpdate, StandsOverTheFirstWindowThatNamesTheHost) {
   }
 }
 
-TEST_F(PropertyUpdate, AnErrorBoxIsClosedByTheTimer) {
+TEST_F(StatusWindowE2e, TimerClosesErrorBox) {
   WriteFile(L"Liste.txt", "A\n1\n");
   struct {
     std::wstring List;
@@ -160,7 +160,7 @@ TEST_F(PropertyUpdate, AnErrorBoxIsClosedByTheTimer) {
   EXPECT_EQ(Trace().back(), "alive 0");
 }
 
-TEST_F(PropertyUpdate, ReadsSettingsAndStandardInput) {
+TEST_F(StatusWindowE2e, ReadsSettingsAndStandardInput) {
   WriteFile(
       L"AppData\\VelMora\\Velmora.ini",
       "[Inventor]\r\nINV_IndexProp=Bezeichnung\r\nINV_IndexHint=Ge\xE4ndert!\r\nINV_AutoRemoveHint=0x0\r\n");
@@ -173,7 +173,7 @@ TEST_F(PropertyUpdate, ReadsSettingsAndStandardInput) {
   EXPECT_EQ(Property(6), "IndexHinweis=\"Geändert!\"");
 }
 
-TEST_F(PropertyUpdate, AnUnknownSwitchLeavesAnEmptyWindowUntilItIsClosed) {
+TEST_F(StatusWindowE2e, UnknownSwitchShowsEmptyWindow) {
   const TProgram program(L"/p \"" + Path(L"Teil ä.ipt") + L"\"", Environment());
   const HWND form = program.StatusWindow();
   ASSERT_NE(form, nullptr);

@@ -8,7 +8,7 @@
 
 // What every back end owes to the users of timers and of the message loop.
 
-TEST(TimerContract, TimersRunUntilStoppedAndNeverShareAnId) {
+TEST(TimerContract, TimersRunUntilStoppedWithUniqueIds) {
   TApplication application(u"Velmora");
   std::set<TTimerId> ids;
   std::vector<int> events;

@@ -41,9 +41,9 @@ class TExport {
   const TExportDialog Dialog;
 };
 
-class ExportRun : public EndToEnd {
+class ExportRunE2e : public EndToEnd {
  protected:
-  ExportRun() {
+  ExportRunE2e() {
     std::filesystem::create_directories(Path(L"Temp"));
     std::filesystem::create_directories(Path(L"Ziel"));
   }
@@ -71,7 +71,7 @@ class ExportRun : public EndToEnd {
 
 }  // namespace
 
-TEST_F(ExportRun, PacksEveryFileThatExists) {
+TEST_F(ExportRunE2e, PacksEveryExistingFile) {
   // What stays here is compared with the archive by other readers after this test.
   const std::filesystem::path kept(BuiltPath(L"exported"));
   std::filesystem::remove_all(kept);
@@ -113,7 +113,7 @@ TEST_F(ExportRun, PacksEveryFileThatExists) {
   for (const std::wstring& file : sameNames) ::SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-TEST_F(ExportRun, AfterAFailureTheUserCanTryAgain) {
+TEST_F(ExportRunE2e, UserCanRetryAfterFailure) {
   const std::wstring refused = L"Der Ordner \"" + Path(kStaging) + L"\\\" kann nicht ";
   struct {
     std::wstring LockedFile;  ///< held by the test while the first try fails
@@ -158,7 +158,7 @@ TEST_F(ExportRun, AfterAFailureTheUserCanTryAgain) {
   ExpectExported(run, desktop.data() + std::wstring(L"\\velmora-test 1.2.zip"));
 }
 
-TEST_F(ExportRun, NothingHalfIsLeftWhenTheProgramIsKilled) {
+TEST_F(ExportRunE2e, KilledExportLeavesNoPartialArchive) {
   WriteFile(L"groß.ipt", std::string(100 << 20, 'x'));
   {
     const TExport run = StartExport(Path(L""), {L"groß.ipt"});

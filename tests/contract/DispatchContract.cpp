@@ -62,7 +62,7 @@ class DispatchContract : public testing::Test {
 
 }  // namespace
 
-TEST_F(DispatchContract, ValuesKeepTypeAndContents) {
+TEST_F(DispatchContract, ValuesRoundTrip) {
   EXPECT_EQ(Echo(TVariant::Tagged(TVarType::Null)).Type(), TVarType::Null);
   EXPECT_EQ(Echo(TVariant::Int16(-7)).AsInteger(), -7);
   EXPECT_EQ(Echo(TVariant::Int32(-2147483647 - 1)).AsInteger(), -2147483647 - 1);
@@ -78,7 +78,7 @@ TEST_F(DispatchContract, ValuesKeepTypeAndContents) {
   EXPECT_THROW(static_cast<void>(Echo(TVariant::Int32(1)).AsText()), EError);
 }
 
-TEST_F(DispatchContract, ArgumentsArriveInTheOrderOfDeclaration) {
+TEST_F(DispatchContract, ArgumentsKeepTheirOrder) {
   const std::array arguments{TVariant::Text(u"Wert"), TVariant::Text(u"Name"), TVariant::Int32(0)};
   object.Invoke(kEcho, TInvokeKind::Method, arguments);
   object.Invoke(kEcho, TInvokeKind::Put, std::span(arguments).first(1));
@@ -92,7 +92,7 @@ TEST_F(DispatchContract, ArgumentsArriveInTheOrderOfDeclaration) {
   EXPECT_TRUE(calls[2].Arguments.empty());
 }
 
-TEST_F(DispatchContract, ErrorsCarryTheDescriptionOrTheSystemsText) {
+TEST_F(DispatchContract, ErrorsCarryDescriptionOrSystemText) {
   const EError described = ErrorOf(object, kDescribed);
   EXPECT_EQ(described.Kind(), TErrorKind::Component);
   EXPECT_EQ(described.Code(), HResult(0x80004005));
@@ -104,7 +104,7 @@ TEST_F(DispatchContract, ErrorsCarryTheDescriptionOrTheSystemsText) {
   EXPECT_EQ(ErrorOf(TDispatch(), kEcho).Code(), kTypeMismatch);
 }
 
-TEST_F(DispatchContract, ObjectsAreCountedAndRecognised) {
+TEST_F(DispatchContract, ObjectsAreReferenceCounted) {
   const std::weak_ptr<TRecorder> watched = target;
   EXPECT_EQ(TargetOf(Echo(TVariant::Object(object)).AsObject()), target);
   EXPECT_EQ(TargetOf(Echo(TVariant::Unknown(object)).AsObject()), target);
@@ -117,7 +117,7 @@ TEST_F(DispatchContract, ObjectsAreCountedAndRecognised) {
   EXPECT_TRUE(watched.expired());
 }
 
-TEST(ComponentContract, AnUnknownClassIsRefused) {
+TEST_F(DispatchContract, RejectsUnknownClass) {
   const TComApartment apartment;
   constexpr TGuid kNobody{0x2B1C3D4E, 0x5F60, 0x4172, {0x83, 0x94, 0xA5, 0xB6, 0xC7, 0xD8, 0xE9, 0xFA}};
   try {

@@ -4,15 +4,15 @@
 #include <string>
 #include <vector>
 
+#include "app/UpdateReport.h"
 #include "tests/support/ProgramTest.h"
 
 using headless::Machine;
 
 namespace {
 
-class ShellTest : public TProgramTest {
+class MainDlgTest : public TProgramTest {
  protected:
-  static constexpr TextView kSettingsFile = u"C:\\Users\\Größe\\AppData\\VelMora\\Velmora.ini";
   static constexpr TextView kRun = u"/P C:\\Teil.ipt C:\\Liste.txt";
 
   void SetUp() override {
@@ -23,7 +23,7 @@ class ShellTest : public TProgramTest {
 
 }  // namespace
 
-TEST_F(ShellTest, ShowsTheWorkThenTheResultAndCloses) {
+TEST_F(MainDlgTest, ShowsWorkThenResultThenCloses) {
   Simulation.DelayMilliseconds =
       5000;  // longer than the timer: no event of it may get through during the task
   EXPECT_EQ(Run(kRun), (std::vector<std::string>{
@@ -41,7 +41,7 @@ TEST_F(ShellTest, ShowsTheWorkThenTheResultAndCloses) {
   EXPECT_EQ(log.back(), "6500 quit");
 }
 
-TEST_F(ShellTest, EndsOrStaysAsTheArgumentsSay) {
+TEST_F(MainDlgTest, ClosesOnlyWithoutArguments) {
   struct {
     TextView Arguments;
     std::vector<std::string> Log;
@@ -58,29 +58,7 @@ TEST_F(ShellTest, EndsOrStaysAsTheArgumentsSay) {
   }
 }
 
-TEST_F(ShellTest, ReadsItsSettings) {
-  struct {
-    const char* Lines;
-    bool RemovesHint;
-  } const cases[] = {
-      {"", true},
-      {"INV_AutoRemoveHint=0x0", false},
-      {"inv_autoremovehint = 0 ", false},
-      {"INV_AutoRemoveHint=0x", true},
-      {"INV_AutoRemoveHint=0X0", false},
-      {"INV_AutoRemoveHint=False", true},
-      {"INV_IndexHint=\nINV_AutoRemoveHint=0", false},
-  };
-  Simulation.PastEnd = TPastEnd::Empty;
-  for (const auto& test : cases) {
-    WriteFile(kSettingsFile, std::string("[Andere]\r\nINV_AutoRemoveHint=0\r\n[inventor]\r\n") + test.Lines);
-    WriteFile(u"C:\\Teil.ipt", DocumentWith(TextProperty("IndexHinweis", "alt")));
-    Run(kRun);
-    EXPECT_EQ(std::ranges::count(Trace, "property.Delete()") != 0, test.RemovesHint) << test.Lines;
-  }
-}
-
-TEST_F(ShellTest, MakesTheDatabaseFolderAndNothingElse) {
+TEST_F(MainDlgTest, CreatesOnlyTheDatabaseFolder) {
   const auto entries = [](const std::filesystem::path& folder) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
@@ -96,4 +74,20 @@ TEST_F(ShellTest, MakesTheDatabaseFolderAndNothingElse) {
   // Where it cannot be made the program works on without it.
   Machine().Environment[u"APPDATA"] = u"C:\\Teil.ipt";
   EXPECT_EQ(Run(kRun).back(), "1500 quit");
+}
+
+TEST_F(MainDlgTest, ReportsOneLinePerCount) {
+  struct {
+    int Created;
+    int Updated;
+    TextView Text;
+  } const cases[] = {
+      {0, 0, u" keine neue Properties angelegt...\rkeine Properties aktualisiert..."},
+      {1, 1, u" ein Propertie neu angelegt...\r ein Propertie aktualisiert..."},
+      {3, 0, u"3 Properties neu angelegt...\rkeine Properties aktualisiert..."},
+      {2, 5, u"2 Properties neu angelegt...\r2 Properties aktualisiert..."},
+      {-1, 0, u"\rkeine Properties aktualisiert..."},
+      {-1, -1, u""},
+  };
+  for (const auto& test : cases) EXPECT_EQ(UpdateReport(test.Created, test.Updated), test.Text);
 }

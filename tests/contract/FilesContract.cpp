@@ -6,37 +6,11 @@
 #include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/System.h"
-#include "platform/Text.h"
 #include "tests/support/InputOutputCode.h"
 
-// What every back end owes to the callers of the texts, files and system calls.
+// What every back end owes to the callers of the files and folders.
 
-TEST(TextContract, ComparesWithoutRegardToCaseByTheLocale) {
-  struct {
-    TextView A;
-    TextView B;
-    bool Same;
-  } const cases[] = {
-      {u"", u"", true},         {u"", u"A", false},
-      {u"Name", u"nAME", true}, {u"Größe", u"GRÖSSE1", false},
-      {u"ÄÖÜé", u"äöüÉ", true}, {u"Name", u"Name ", false},
-      {u"a", u"ä", false},      {u"A=B", u"a=b", true},
-  };
-  for (const auto& test : cases) {
-    EXPECT_EQ(SameText(test.A, test.B), test.Same) << Utf8FromText(test.A) << " / " << Utf8FromText(test.B);
-    EXPECT_EQ(SameTextKey(test.A) == SameTextKey(test.B), test.Same) << "keys of " << Utf8FromText(test.A);
-  }
-}
-
-TEST(TextContract, ReadsBytesThroughTheAnsiCodePage) {
-  EXPECT_EQ(TextFromAnsi("Gr\xF6\xDF"
-                         "e \x80 \x95"),
-            u"Größe € •");
-  EXPECT_EQ(TextFromAnsi("\xEF\xBB\xBF"), u"ï»¿");
-  EXPECT_EQ(TextFromAnsi(""), u"");
-}
-
-TEST(FilesContract, FoldersAreCreatedWithTheirParents) {
+TEST(FilesContract, CreatesFoldersWithParents) {
   const UnicodeString top = EnvironmentVariable(u"TEMP") + u"\\Vertrag ä";
   const UnicodeString folder = top + u"\\Eins\\Zwei";
   EXPECT_FALSE(FolderExists(top + u"\\fehlt\\"));
@@ -48,7 +22,7 @@ TEST(FilesContract, FoldersAreCreatedWithTheirParents) {
   EXPECT_FALSE(TInputFile::Open(folder + u"\\fehlt.txt").IsOpen());
 }
 
-TEST(FilesContract, FilesAreWrittenListedAndRead) {
+TEST(FilesContract, WritesListsAndReadsFiles) {
   // Longer than 260 characters, with each of its parts short.
   UnicodeString folder = EnvironmentVariable(u"TEMP") + u"\\Schreiben";
   for (int i = 0; i < 6; ++i) folder += u"\\" + UnicodeString(50, u'ä');
@@ -85,21 +59,10 @@ TEST(FilesContract, FilesAreWrittenListedAndRead) {
   TOutputFile(path, TCreate::Replace).Close();
 }
 
-TEST(FilesContract, ErrorsCarryTheSystemsCode) {
+TEST(FilesContract, ErrorsCarrySystemCode) {
   const UnicodeString missing = EnvironmentVariable(u"TEMP") + u"\\fehlt";
   EXPECT_EQ(InputOutputCode([&] { TInputFile::OpenShared(missing); }), 2);
   EXPECT_NE(InputOutputCode([&] { TInputFile::OpenShared(EnvironmentVariable(u"TEMP")); }), 0) << "a folder";
   EXPECT_NE(InputOutputCode([&] { ListFolder(missing); }), 0);
   EXPECT_NE(InputOutputCode([&] { TOutputFile(missing + u"\\a", TCreate::Replace); }), 0);
-}
-
-TEST(SystemContract, MissingThingsGiveTheirDefaults) {
-  EXPECT_EQ(EnvironmentVariable(u"VELMORA_GIBT_ES_NICHT"), u"");
-  EXPECT_EQ(
-      ReadProfileText(EnvironmentVariable(u"TEMP") + u"\\fehlt.ini", u"Inventor", u"Schlüssel", u"Vorgabe ä"),
-      u"Vorgabe ä");
-  EXPECT_EQ(SystemErrorText(HResult(0xA0ABCDEF)), u"Systemfehler A0ABCDEF");
-  const UnicodeString known = SystemErrorText(kClassNotRegistered);
-  EXPECT_FALSE(known.empty());
-  EXPECT_NE(known.back(), u'\n');
 }

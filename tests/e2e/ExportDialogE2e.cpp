@@ -12,7 +12,7 @@ const std::string kExpanded =
     "1 2+ .3 .4+ ..5 ..6 ..7 ..8 ..9 ..10 ..11 .12 .13+ ..14 ..15 ..16 ..17 ..18 ..19+ ...20 ...21 ...22 "
     ".23+ ..24 ..25 ..26 ..27 ..28 ..29+ ...30 ...31 ...32 .33 .34 .35 .36 .37 .38 .39 .40 ";
 
-class ExportDialog : public EndToEnd {
+class ExportDialogE2e : public EndToEnd {
  protected:
   void SetUp() override { CopySample(kFolder); }
 
@@ -59,7 +59,7 @@ HWND FocusIn(HWND form) {
 
 }  // namespace
 
-TEST_F(ExportDialog, ShowsTheFilesOfAnAssemblyAsATree) {
+TEST_F(ExportDialogE2e, ShowsAssemblyAsTree) {
   const TProgram program(Arguments(), Environment());
   const TExportDialog dialog(program);
   ASSERT_TRUE(IsScanned(dialog));
@@ -97,7 +97,7 @@ TEST_F(ExportDialog, ShowsTheFilesOfAnAssemblyAsATree) {
   EXPECT_EQ(RootOpened(), 2);
 }
 
-TEST_F(ExportDialog, StandsOnTheMiddleOfTheHostUntilItIsClosed) {
+TEST_F(ExportDialogE2e, CentresOnHostUntilClosed) {
   struct {
     RECT Host;
     std::function<void(const TExportDialog&)> Close;
@@ -127,7 +127,7 @@ TEST_F(ExportDialog, StandsOnTheMiddleOfTheHostUntilItIsClosed) {
   }
 }
 
-TEST_F(ExportDialog, ControlsFollowTheSizeDownToALeastOne) {
+TEST_F(ExportDialogE2e, LayoutFollowsSizeDownToMinimum) {
   const TProgram program(Arguments(), Environment());
   const TExportDialog dialog(program);
   ASSERT_TRUE(IsScanned(dialog));
@@ -159,7 +159,7 @@ TEST_F(ExportDialog, ControlsFollowTheSizeDownToALeastOne) {
   }
 }
 
-TEST_F(ExportDialog, AFailingScanShowsItsErrorAndNoRows) {
+TEST_F(ExportDialogE2e, FailingScanShowsErrorAndNoRows) {
   const TProgram program(Arguments(), Environment({{L"APPRENTICE_FAIL_CALL", L"60"},
                                                    {L"APPRENTICE_FAIL_TEXT", L"Größe unbekannt."}}));
   const TExportDialog dialog(program);
@@ -173,7 +173,7 @@ TEST_F(ExportDialog, AFailingScanShowsItsErrorAndNoRows) {
   EXPECT_EQ(RootOpened(), 2);
 }
 
-TEST_F(ExportDialog, WithoutDatabaseFolderItOpensEmpty) {
+TEST_F(ExportDialogE2e, OpensEmptyWithoutDatabaseFolder) {
   WriteFile(L"AppData\\VelMora\\DBExt", "a file where the folder should be");
   const TProgram program(Arguments(), Environment());
   EXPECT_EQ(program.TextOfClosedBox(),
