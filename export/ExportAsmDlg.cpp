@@ -2,6 +2,7 @@
 
 #include "app/MainDlg.h"
 #include "export/AssemblyScan.h"
+#include "export/ExportRun.h"
 #include "export/WorkingTable.h"
 #include "platform/Files.h"
 #include "platform/Path.h"
@@ -36,6 +37,15 @@ UnicodeString Formatted(UnicodeString format, const UnicodeString& name) {
   constexpr TextView kPlace = u"%S";
   const std::size_t place = format.find(kPlace);
   return place != UnicodeString::npos ? format.replace(place, kPlace.size(), name) : format;
+}
+
+/// The user's desktop, or an empty text after a message.
+UnicodeString DesktopOrMessage() {
+  const std::optional<UnicodeString> desktop = DesktopFolder();
+  if (desktop) return *desktop;
+  Application->MessageBox(u"Fehler beim pointer zu IMalloc interface.", TBoxIcon::Error,
+                          u"SHGetMalloc(pMalloc)");
+  return {};
 }
 
 }  // namespace
@@ -175,7 +185,23 @@ void TfrmExportAsm::btnAbbruchClick() {
   Close();
 }
 
-/// The keys go to the tree again: whoever has opened or closed it wants to move in it.
+void TfrmExportAsm::btnExportClick() {
+  SaveDialog.Title = u"Baugruppe exportieren nach";
+  // ProgrammIni is a full path itself, so that the folder stands twice in this name and the lookup always
+  // gives the default. Designers have come to expect the desktop: a file that was found here would now send
+  // them elsewhere.
+  SaveDialog.InitialDir = ReadProfileText(frmMain->ProgrammPfad + frmMain->ProgrammIni, u"ExportAsm",
+                                          u"DestPath", DesktopOrMessage());
+  SaveDialog.FileName = ChangeFileExtension(fAsmFile, u".zip");
+  if (Application->Terminated() || !SaveDialog.Execute(*this) || Application->Terminated()) return;
+  TExportRun run(ASMTreeList, nxQuery1, cxProgressBar);
+  run.AsmFile = fAsmFile;
+  run.Title = Caption();
+  run.Run(SaveDialog.FileName);
+  Close();
+}
+
+/// The keys go to the tree again: the next thing users want is to move in it.
 void TfrmExportAsm::btnCollapseClick() {
   ASMTreeList.FullCollapse();
   ASMTreeList.SetFocus();

@@ -61,14 +61,7 @@ class TfrmExportAsm : public TForm {
   /// Runs one statement on the working table, then shows the table anew.
   void ChangeWorkingTable(const UnicodeString& change, const UnicodeString& condition);
 
-  /// Packs all files of the table and a listing of the tree. Errors leave no archive under this name, but the
-  /// folder in which the files are gathered.
-  void ExportTo(const UnicodeString& archive);
-  void WriteListing(const UnicodeString& path) const;
-  void StageFiles(const UnicodeString& folder);
-  void Pack(const UnicodeString& folder, const UnicodeString& archive);
-
-  bool DoCopy = true;      // what the next click on the copy column's header turns over
+  bool DoCopy = true;      // toggled by each click on the copy column's header
   UnicodeString UserN;     // end of the working table's name
   UnicodeString fAsmFile;  // without folder
   UnicodeString fAsmFullFile;

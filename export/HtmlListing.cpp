@@ -13,7 +13,7 @@
 namespace {
 
 constexpr std::size_t kPieceSize = 32768;
-/// So many rows make a block that the browser lays out as a whole; the style sheet guesses its height.
+/// Rows in a block, which the browser lays out as a whole; the style sheet guesses its height.
 constexpr std::size_t kRowsInBlock = 100;
 
 struct TKind {
@@ -130,18 +130,23 @@ class TPage {
   std::string fPiece;
 };
 
-void WriteHead(TPage& page, TextView title) {
-  page << "<!DOCTYPE html>\n<html lang=\"de\">\n<head>\n<meta charset=\"utf-8\">\n"
-          "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-          "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
-          "'unsafe-inline'\">\n"
-          "<title>"
-       << title << "</title>\n<style>\n"
-       << kListingStyle << "</style>\n</head>\n<body>\n<div hidden>\n<svg>\n"
-       << kListingSymbols << "</svg>\n</div>\n<h1 id=\"title\">" << title << "</h1>\n";
-}
+/// Writes the page from one of its marks to the next; the marks stand for what this file fills in.
+class TTemplate {
+ public:
+  explicit TTemplate(TPage& page) : fPage(page) {}
+  void WriteUntil(std::string_view mark) {
+    const std::size_t end = fRest.find(mark);
+    fPage << fRest.substr(0, end);
+    fRest.remove_prefix(end + mark.size());
+  }
+  void WriteRest() { fPage << fRest; }
 
-/// Counts with the images beside them, which explains these too.
+ private:
+  TPage& fPage;
+  std::string_view fRest = kListingPage;
+};
+
+/// The counts; the images beside them double as a legend.
 void WriteSummary(TPage& page, const TOverview& overview) {
   page << "<ul>\n";
   for (std::size_t i = 0; i < kKinds.size(); ++i) {
@@ -179,15 +184,19 @@ void WriteHtmlListing(TextView title, const TListingRows& rows, const TListingWr
   rows([&overview](const TListingRow& row) { overview.Add(row); });
 
   TPage page(write);
-  WriteHead(page, title);
+  TTemplate frame(page);
+  for (int i = 0; i < 2; ++i) {  // in the page's head and as its heading
+    frame.WriteUntil("@TITLE@");
+    page << title;
+  }
+  frame.WriteUntil("@SUMMARY@\n");
   WriteSummary(page, overview);
-  page << "<table aria-labelledby=\"title\">\n<thead>\n<tr><th scope=\"col\">*<th scope=\"col\">Bezeichnung"
-          "<th scope=\"col\">Datei\n";
+  frame.WriteUntil("@ROWS@\n");
   std::size_t count = 0;
   rows([&](const TListingRow& row) {
     if (count++ % kRowsInBlock == 0) page << "<tbody>\n";
     WriteRow(page, row, overview.Names.HasSeveralPaths(row.File));
   });
-  page << "</table>\n</body>\n</html>\n";
+  frame.WriteRest();
   page.Flush();
 }

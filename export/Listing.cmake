@@ -1,10 +1,6 @@
-# velmora_listing_parts(source image...): writes the C++ source with the listing's style sheet and with the named
-# images, as symbols made of the vector files from which the icons are drawn.
+# velmora_listing_parts(source image...): writes the C++ source with the listing's page, into which go its style
+# sheet and the named images, as symbols made of the vector files from which the icons are drawn.
 function(velmora_listing_parts source)
-  set(sheet ${CMAKE_CURRENT_SOURCE_DIR}/listing.css)
-  file(READ ${sheet} style)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sheet})
-
   set(symbols "")
   foreach(image IN LISTS ARGN)
     set(file ${PROJECT_SOURCE_DIR}/resources/${image}.svg)
@@ -17,5 +13,10 @@ function(velmora_listing_parts source)
   endforeach()
   string(REGEX REPLACE ">[ \n]+" ">" symbols "${symbols}")
 
+  file(READ listing.html page)
+  file(READ listing.css style)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS listing.html listing.css)
+  string(REPLACE "@STYLE@" "${style}" page "${page}")
+  string(REPLACE "@SYMBOLS@" "${symbols}" page "${page}")
   configure_file(ListingParts.cpp.in ${source} @ONLY)
 endfunction()

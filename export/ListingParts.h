@@ -2,10 +2,6 @@
 
 #include <string_view>
 
-// Fixed parts of the listing, which CMake reads out of their own files (Listing.cmake).
-
-/// The style sheet, listing.css.
-extern const std::string_view kListingStyle;
-
-/// The images as `<symbol>` elements, named like their files in resources/.
-extern const std::string_view kListingSymbols;
+/// The listing's page: listing.html with its style sheet and images, which CMake put in (Listing.cmake). Its
+/// marks @TITLE@ (twice), @SUMMARY@ and @ROWS@ are left for the program.
+extern const std::string_view kListingPage;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "database/Query.h"
+#include "platform/Text.h"
+#include "ui/ProgressBar.h"
+#include "ui/TreeList.h"
+
+/// One export: gathers the files of the working table and a listing of the tree in the staging folder and
+/// packs them. The export dialog makes it for one click and lends it tree, table and progress bar.
+class TExportRun {
+ public:
+  TExportRun(TTreeList& tree, TQuery& files, TProgressBar& bar) : fTree(tree), fFiles(files), fBar(bar) {}
+
+  // Set before the run.
+  UnicodeString AsmFile;  ///< the assembly's file name without its folder; names the staging folder
+  UnicodeString Title;    ///< the listing's heading
+
+  /// However it ends, the cursor is the default one and the tree's update state has ended. An error leaves no
+  /// archive under this name, but the staging folder.
+  void Run(const UnicodeString& archive);
+
+ private:
+  void WriteListing(const UnicodeString& path) const;
+  void StageFiles(const UnicodeString& folder);
+  void Pack(const UnicodeString& folder, const UnicodeString& archive);
+
+  TTreeList& fTree;
+  TQuery& fFiles;
+  TProgressBar& fBar;
+};
