@@ -55,6 +55,10 @@ std::wstring MessageOf(HWND box) {
   return TextOf(::GetDlgItem(box, 0xFFFF));
 }
 
+bool HasIcon(HWND box) {
+  return ::SendMessageW(::GetDlgItem(box, 1088), STM_GETICON, 0, 0) != 0;
+}
+
 void PressOk(HWND box) {
   ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
 }

@@ -23,6 +23,8 @@ std::wstring TextOf(HWND window);
 std::wstring ClassOf(HWND window);
 /// What a message box says.
 std::wstring MessageOf(HWND box);
+/// A message box has the control for its icon in any case; without an icon it is empty.
+bool HasIcon(HWND box);
 /// Presses a message box's only button.
 void PressOk(HWND box);
 RECT BoundsOf(HWND window);

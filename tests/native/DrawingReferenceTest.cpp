@@ -50,4 +50,6 @@ TEST_F(DrawingReferenceTest, ClosesAfterRefusingAnOldDrawing) {
   EXPECT_EQ(log.at(3), "0 plain box \"Velmora\": " + kMigrationText);
   EXPECT_EQ(log.back(), "100 quit");
   EXPECT_EQ(References(), std::vector<std::string>{"a.ipt"});
+  EXPECT_EQ(Run(kRun).back(), "3600 quit") << "the timer ends the box that nobody closes";
+  EXPECT_EQ(LiveObjects(), 0);
 }

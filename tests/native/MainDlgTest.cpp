@@ -5,11 +5,12 @@
 #include <vector>
 
 #include "app/UpdateReport.h"
+#include "platform/System.h"
 #include "tests/support/ProgramTest.h"
 
-using headless::Machine;
-
 namespace {
+
+using headless::Machine;
 
 class MainDlgTest : public TProgramTest {
  protected:
@@ -49,12 +50,35 @@ TEST_F(MainDlgTest, ClosesOnlyWithoutArguments) {
       {u"", {"0 quit"}},
       {u"\"\" /P", {"0 quit"}},
       {u"/p C:\\Teil.ipt", {"0 show 490,477 300x70", "0 idle"}},
-      {u"\"/P \" C:\\Teil.ipt", {"0 show 490,477 300x70", "0 idle"}},
-      {u"C:\\Teil.ipt", {"0 show 490,477 300x70", "0 idle"}},
   };
   for (const auto& test : cases) {
     EXPECT_EQ(Run(test.Arguments), test.Log) << Utf8FromText(test.Arguments);
     EXPECT_TRUE(Trace.empty());
+  }
+}
+
+TEST_F(MainDlgTest, ShowsErrorsUntilTheTimerEnds) {
+  struct {
+    int FailCall;
+    UnicodeString FailText;
+    std::int32_t FailResult;
+    std::int32_t RefuseCreation;
+    UnicodeString Message;
+  } const cases[] = {
+      {2, u"Erste Zeile\r\nZweite Zeile", kUnspecifiedError, 0, u"Erste Zeile\r\nZweite Zeile"},
+      {2, u"", HResult(0xA0ABCDEF), 0, u"Systemfehler A0ABCDEF"},
+      {0, u"", kUnspecifiedError, kClassNotRegistered, SystemErrorText(kClassNotRegistered)},
+  };
+  for (const auto& test : cases) {
+    Simulation.FailCall = test.FailCall;
+    Simulation.FailText = test.FailText;
+    Simulation.FailResult = test.FailResult;
+    RefuseCreation = test.RefuseCreation;
+    Machine().PressOkAfter = {100};
+    const auto log = Run(kRun);
+    EXPECT_EQ(log.at(3), "0 error box \"Velmora\": " + Utf8FromText(test.Message));
+    EXPECT_EQ(log.back(), "3600 quit");
+    EXPECT_EQ(LiveObjects(), 0);
   }
 }
 

@@ -107,6 +107,8 @@ TEST_F(PropertyUpdateTest, UnreadableListLeavesDocumentClosed) {
   WriteDocument("A=1", false);
   EXPECT_EQ(Run(u"/P C:\\Teil.ipt C:\\fehlt.txt").at(3), "0 error box \"Velmora\": E/A-Fehler 104");
   EXPECT_EQ(Run(u"/P \"C:\\Projekt\\Teil ä.ipt\"").at(3), "0 error box \"Velmora\": E/A-Fehler 6");
+  EXPECT_EQ(Run(u"/P C:\\Teil.ipt " + UnicodeString(260, u'x')).at(3),
+            "0 error box \"Velmora\": Ungültiger Dateiname");
   EXPECT_TRUE(Trace.empty());
   headless::Machine().StandardInput = "A\n2\n";
   Run(u"/P \"C:\\Projekt\\Teil ä.ipt\"");
@@ -115,4 +117,42 @@ TEST_F(PropertyUpdateTest, UnreadableListLeavesDocumentClosed) {
   headless::Machine().StandardInput = "A\n2\n";
   Run(u"/P");
   EXPECT_TRUE(Calls().at(0).starts_with("server.OpenDocument(\"\") !"));
+}
+
+TEST_F(PropertyUpdateTest, RemovesFirstTextHint) {
+  const struct {
+    std::string Before;
+    std::string After;
+    std::string Asked;  ///< of one property after the other: V(alue), N(ame)
+  } cases[] = {
+      {"IndexHinweis=alt;A=1", "A=1", "VN"},
+      {"A=1;IndexHinweis=alt", "A=1", "VNVN"},
+      {"IndexHinweis=alt;A=1;IndexHinweis=neu", "A=1;IndexHinweis=neu", "VN"},
+      {"IndexHinweis#;IndexHinweis=alt", "IndexHinweis#", "VVN"},
+      {"IndexHinweis#", "IndexHinweis#", "V"},
+      {"indexhinweis=alt", "indexhinweis=alt", "VN"},
+      {"", "", ""},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.Before);
+    WriteDocument(test.Before, false);
+    const std::string before = ReadFile(kDocument);
+    Run(u"/RI \"C:\\Projekt\\Teil ä.ipt\" drei");
+    EXPECT_EQ(Properties(), test.After);
+    const bool removed = test.Before != test.After;
+    EXPECT_EQ(ReadFile(kDocument) != before, removed) << "written only after a removal";
+
+    std::string expected = "OpenDocument PropertySets Item Count ";
+    for (const char member : test.Asked) {
+      expected += std::string("PropertySets Item Item ") + (member == 'V' ? "Value " : "Name ");
+    }
+    if (removed) expected += "PropertySets Item Item Delete PropertySets WritePropertiesToFile ";
+    std::string members;
+    for (const std::string& line : Calls()) {
+      const std::size_t start = line.find('.') + 1;
+      members += line.substr(start, line.find_first_of(" (", start) - start) + " ";
+    }
+    EXPECT_EQ(members, expected + "CloseDocument ");
+    EXPECT_EQ(LiveObjects(), 0);
+  }
 }

@@ -31,7 +31,6 @@ TEST_F(SettingsTest, ReadsSettings) {
   } const cases[] = {
       {"", true},
       {"INV_AutoRemoveHint=0x0", false},
-      {"inv_autoremovehint = 0 ", false},
       {"INV_AutoRemoveHint=0x", true},
       {"INV_AutoRemoveHint=0X0", false},
       {"INV_AutoRemoveHint=False", true},
