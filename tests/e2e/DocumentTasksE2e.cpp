@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "platform/windows/Wide.h"
 #include "tests/e2e/Support.h"
@@ -6,25 +6,109 @@
 namespace {
 
 const std::wstring kMigration = L"Für diesen Befehl muss die IDW Datei vorher mit Inventor Migriert werden.";
-const std::string kSets =
-    R"("propertySets": [{"name": "1"}, {"name": "2"}, {"name": "3"}, {"name": "4", "properties": [
-      {"name": "A", "type": "text", "value": "1"}, {"name": "IndexHinweis", "type": "text", "value": "alt"}]}])";
+
+// A text, a number, a date, a Boolean, the index and a hint.
+const std::string kDocument = R"({
+  "displayName": "Teil",
+  "pastEnd": "empty",
+  "propertySets": [
+    {"name": "1", "properties": []}, {"name": "2", "properties": []}, {"name": "3", "properties": []},
+    {"name": "4", "properties": [
+      {"name": "Bezeichnung", "type": "text", "value": "Deckel"},
+      {"name": "Anzahl", "type": "integer", "value": 4},
+      {"name": "Datum", "type": "date", "value": "2024-03-15"},
+      {"name": "Geprüft", "type": "boolean", "value": true},
+      {"name": "INTZUSTAND-EOF", "type": "text", "value": "a"},
+      {"name": "IndexHinweis", "type": "text", "value": "alt"}]}]
+})";
+
+/// Every call of the update of kDocument: the whole chain anew for each access, and nothing more.
+std::string ExpectedTrace(const std::string& path) {
+  const std::string set = "document.PropertySets\npropertysets.Item(4)\npropertyset.";
+  std::string trace = "server.Create\nserver.OpenDocument(\"" + path + "\")\n" + set + "Count = 6\n";
+  const auto property = [&](int position, const std::string& call) {
+    trace += set + "Item(" + std::to_string(position) + ")\nproperty." + call + "\n";
+  };
+  const auto text = [&](int position, const std::string& name, const std::string& old,
+                        const std::string& value) {
+    property(position, "Value = text \"" + old + "\"");
+    property(position, "Name = \"" + name + "\"");
+    if (name == "INTZUSTAND-EOF") property(position, "Value = text \"" + old + "\"");
+    property(position, "Value = text \"" + old + "\"");
+    property(position, "Value := text \"\"");
+    property(position, "Name = \"" + name + "\"");
+    if (!value.empty()) property(position, "Value := text \"" + value + "\"");
+    property(position, "Name = \"" + name + "\"");  // whether it is the hint
+  };
+  text(1, "Bezeichnung", "Deckel", "Groß");
+  property(2, "Value = integer 4");
+  property(3, "Value = date 2024-03-15");
+  property(4, "Value = boolean true");
+  text(5, "INTZUSTAND-EOF", "a", "b");
+  text(6, "IndexHinweis", "alt", "");
+  property(6, "Delete()");
+  trace += set + "AddProperty(text \"5 €\", \"Preis\", 0)\n";
+  trace += set + "AddProperty(text \"ACHTUNG! Geänderte Zeichnung\", \"IndexHinweis\", 0)\n";
+  return trace + "document.PropertySets\npropertysets.WritePropertiesToFile()\ndocument.CloseDocument()\n" +
+         "document.Release\nserver.Release\nalive 0\n";
+}
 
 class DocumentTasksE2e : public EndToEnd {
  protected:
   void SetUp() override {
     WriteFile(L"Größe & Co's.v2\\Teil 4711.idw",
-              "{\"references\": [\"X:\\\\Alt\\\\a.ipt\", \"X:\\\\V1.2\\\\Rohling\"], " + kSets + "}");
-    WriteFile(L"alt.idw", "{\"needsMigration\": 1, \"references\": [\"a.ipt\"], " + kSets + "}");
-    WriteFile(L"Teil.ipt", "{" + kSets + "}");
+              "{\"references\": [\"X:\\\\Alt\\\\a.ipt\", \"X:\\\\V1.2\\\\Rohling\"]}");
+    WriteFile(L"alt.idw", "{\"needsMigration\": 1, \"references\": [\"a.ipt\"]}");
+    WriteFile(L"Teil ä.ipt", kDocument);
+    WriteFile(L"Liste.txt", "BEZEICHNUNG\r\nGro\xDF\r\nINTZUSTAND-EOF\r\nb\r\nPreis\r\n5 \x80\r\n");
   }
 
   std::wstring Arguments(const std::wstring& task, const std::wstring& file) const {
     return task + L" \"" + Path(file) + L"\"";
   }
+  std::string Property(std::size_t position) const {
+    const auto document = nlohmann::json::parse(ReadFile(L"Teil ä.ipt"));
+    const auto& property = document["propertySets"][3]["properties"].at(position);
+    return property["name"].get<std::string>() + "=" + property["value"].dump();
+  }
+  std::size_t PropertyCount() const {
+    return nlohmann::json::parse(ReadFile(L"Teil ä.ipt"))["propertySets"][3]["properties"].size();
+  }
 };
 
 }  // namespace
+
+TEST_F(DocumentTasksE2e, WritesDocumentAndCloses) {
+  const TProgram program(Arguments(L"/P", L"Teil ä.ipt") + L" \"" + Path(L"Liste.txt") + L"\"",
+                         Environment({{L"APPRENTICE_DELAY_MS", L"400"}}));
+  EXPECT_TRUE(program.WaitForStatus(L"Properties werden aktualisiert..."));
+  EXPECT_TRUE(program.WaitForStatus(L"2 Properties neu angelegt...\rkeine Properties aktualisiert..."));
+  EXPECT_EQ(program.WaitForExit(), 0U);
+
+  ASSERT_EQ(PropertyCount(), 7U);
+  EXPECT_EQ(Property(0), "Bezeichnung=\"Groß\"");
+  EXPECT_EQ(Property(1), "Anzahl=4");
+  EXPECT_EQ(Property(4), "INTZUSTAND-EOF=\"b\"");
+  EXPECT_EQ(Property(5), "Preis=\"5 €\"");
+  EXPECT_EQ(Property(6), "IndexHinweis=\"ACHTUNG! Geänderte Zeichnung\"");
+  EXPECT_TRUE(Exists(L"AppData\\VelMora\\DBExt"));
+  EXPECT_FALSE(Exists(L"AppData\\VelMora\\Velmora.ini"));
+  EXPECT_EQ(Property(2), "Datum=\"2024-03-15\"");
+  EXPECT_EQ(TraceText(), ExpectedTrace(Utf8Path(L"Teil ä.ipt")));
+}
+
+TEST_F(DocumentTasksE2e, ReadsSettingsAndStandardInput) {
+  WriteFile(
+      L"AppData\\VelMora\\Velmora.ini",
+      "[Inventor]\r\nINV_IndexProp=Bezeichnung\r\nINV_IndexHint=Ge\xE4ndert!\r\nINV_AutoRemoveHint=0x0\r\n");
+  const TProgram program(Arguments(L"/P", L"Teil ä.ipt"), Environment({{L"APPRENTICE_DUPLICATE", L"accept"}}),
+                         "INTZUSTAND-EOF\nb\n");
+  EXPECT_EQ(program.WaitForExit(), 0U);
+  ASSERT_EQ(PropertyCount(), 7U);
+  EXPECT_EQ(Property(0), "Bezeichnung=\"\"");
+  EXPECT_EQ(Property(5), "IndexHinweis=\"\"");
+  EXPECT_EQ(Property(6), "IndexHinweis=\"Geändert!\"");
+}
 
 TEST_F(DocumentTasksE2e, ChangesReferencesOfDrawing) {
   const std::wstring drawing = L"Größe & Co's.v2\\Teil 4711.idw";
@@ -68,7 +152,7 @@ TEST_F(DocumentTasksE2e, RefusesOldDrawingInABox) {
 
 TEST_F(DocumentTasksE2e, RemovesHintOfDocumentWithUnusualName) {
   const std::wstring name = L"Теил €\U0001F600 & Co's.ipt";  // outside the ANSI code page
-  WriteFile(name, ReadFile(L"Teil.ipt"));
+  WriteFile(name, kDocument);
   const TProgram program(L"  /\"R\"I " + Path(L"") + L"\"" + name + L"\"\tdrei vier",
                          Environment({{L"APPRENTICE_DELAY_MS", L"200"}}));
   EXPECT_TRUE(program.WaitForStatus(L"Indexhinweis wird entfernt..."));
