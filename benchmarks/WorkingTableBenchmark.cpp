@@ -7,6 +7,7 @@
 #include "benchmarks/FreshMachine.h"
 #include "database/Session.h"
 #include "export/WorkingTable.h"
+#include "resources/Icons.h"
 
 // The working table beside statements written by hand.
 
@@ -38,7 +39,7 @@ void InsertAndWalkByQuery(benchmark::State& state) {
     const std::size_t before = HeapInUse();
     state.ResumeTiming();
     TQuery& query = table->Query;
-    for (std::int64_t i = 0; i < kRows; ++i) InsertFile(query, {kPartImage, kFile, kName, 1, i / 10});
+    for (std::int64_t i = 0; i < kRows; ++i) InsertFile(query, {ICON_PART, kFile, kName, 1, i / 10});
     std::size_t length = 0;
     const TField file = query.Field(u"Filename");
     const TField key = query.Field(u"AutoID");
@@ -77,7 +78,7 @@ void InsertAndWalkByHand(benchmark::State& state) {
     if (inOneTransaction) run("BEGIN");
     sqlite3_stmt* const insert = prepare("INSERT INTO T VALUES(?,?,?,?,?,?,?,?,?,NULL,NULL)");
     for (std::int64_t i = 0; i < kRows; ++i) {
-      sqlite3_bind_int(insert, 1, kPartImage);
+      sqlite3_bind_int(insert, 1, ICON_PART);
       sqlite3_bind_int(insert, 2, 1);
       sqlite3_bind_text16(insert, 3, kFile.data(), static_cast<int>(kFile.size() * 2), SQLITE_STATIC);
       sqlite3_bind_text16(insert, 4, kName.data(), static_cast<int>(kName.size() * 2), SQLITE_STATIC);

@@ -7,6 +7,7 @@
 #include "inventor/ApprenticeServer.h"
 #include "platform/Files.h"
 #include "platform/Path.h"
+#include "resources/Icons.h"
 #include "ui/MessageLoop.h"
 #include "ui/Screen.h"
 
@@ -34,11 +35,11 @@ void TAssemblyScan::InsertRoot(const UnicodeString& datei) {
     SetScreenCursor(TCursor::HourGlass);
     const TDocument document = server.OpenDocument(datei);
     OnRootOpened(document.DisplayName());
-    InsertFile(fQuery, {kAssemblyImage, datei, document.DisplayName(), document.ReferencedFiles().Count(),
+    InsertFile(fQuery, {ICON_ASSEMBLY, datei, document.DisplayName(), document.ReferencedFiles().Count(),
                         kRootParent});
     const UnicodeString drawing = ChangeFileExtension(datei, u".idw");
     if (FileExists(drawing)) {
-      InsertFile(fQuery, {kDrawingImage, drawing, document.DisplayName(), document.ReferencedFiles().Count(),
+      InsertFile(fQuery, {ICON_DRAWING, drawing, document.DisplayName(), document.ReferencedFiles().Count(),
                           kRootDrawingParent});
     }
     server.CloseServer();
@@ -73,7 +74,7 @@ void TAssemblyScan::ScanAssembly(const UnicodeString& datei) {
 
 void TAssemblyScan::EnterPart(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
                               std::int64_t parent) {
-  InsertFile(fQuery, {kPartImage, file, name, index, parent});
+  InsertFile(fQuery, {ICON_PART, file, name, index, parent});
   EnterDrawing(file, name, index, parent);
 }
 
@@ -81,7 +82,7 @@ void TAssemblyScan::EnterPart(const UnicodeString& file, const UnicodeString& na
 void TAssemblyScan::EnterAssembly(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
                                   std::int64_t parent) {
   EnterDrawing(file, name, index, parent);
-  InsertFile(fQuery, {kAssemblyImage, file, name, index, parent});
+  InsertFile(fQuery, {ICON_ASSEMBLY, file, name, index, parent});
   ScanAssembly(file);
   // The level below has ended with the default cursor; this one is still at work.
   SetScreenCursor(TCursor::HourGlass);
@@ -90,5 +91,5 @@ void TAssemblyScan::EnterAssembly(const UnicodeString& file, const UnicodeString
 void TAssemblyScan::EnterDrawing(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
                                  std::int64_t parent) {
   const UnicodeString drawing = ChangeFileExtension(file, u".idw");
-  if (FileExists(drawing)) InsertFile(fQuery, {kDrawingImage, drawing, name, index, parent});
+  if (FileExists(drawing)) InsertFile(fQuery, {ICON_DRAWING, drawing, name, index, parent});
 }

@@ -56,15 +56,12 @@ TfrmExportAsm::TfrmExportAsm(TForm& owner)
       ASMTreeList(*this),
       ASMTreeListcxDBTreeListColumn1(ASMTreeList.AddColumn(
           {.Caption = u"*", .FieldName = u"AutoID", .Width = 54, .Alignment = TAlignment::Centre})),
-      ASMTreeListcxDBTreeListColumn2(ASMTreeList.AddColumn(
-          {.Caption = u"Bezeichnung", .FieldName = u"DisplayName", .Width = 454, .ReadOnly = true})),
-      ASMTreeListcxDBTreeListColumn3(ASMTreeList.AddColumn(
-          {.Caption = u"Datei", .FieldName = u"Filename", .Width = 380, .ReadOnly = true})),
-      ASMTreeListcxDBTreeListColumn4(ASMTreeList.AddColumn({.Caption = u"Kopieren",
-                                                            .FieldName = u"DoCopy",
-                                                            .Visible = false,
-                                                            .CheckBox = true,
-                                                            .Tag = kCopyColumn})),
+      ASMTreeListcxDBTreeListColumn2(
+          ASMTreeList.AddColumn({.Caption = u"Bezeichnung", .FieldName = u"DisplayName", .Width = 454})),
+      ASMTreeListcxDBTreeListColumn3(
+          ASMTreeList.AddColumn({.Caption = u"Datei", .FieldName = u"Filename", .Width = 380})),
+      ASMTreeListcxDBTreeListColumn4(ASMTreeList.AddColumn(
+          {.Caption = u"Kopieren", .FieldName = u"DoCopy", .Visible = false, .Tag = kCopyColumn})),
       ASMTreeListcxDBTreeListColumn5(
           ASMTreeList.AddColumn({.Caption = u"DTID", .FieldName = u"DTID", .Visible = false})),
       ASMTreeListcxDBTreeListColumn6(
@@ -100,16 +97,12 @@ void TfrmExportAsm::DesignTree() {
   ASMTreeList.ImageField = u"ImgIndex";
   ASMTreeList.SearchField = u"DisplayName";
   ASMTreeList.RootValue = kRootParent;
-  ASMTreeList.SetNodeImage(kPartImage, TNodeIcon::Part);
-  ASMTreeList.SetNodeImage(kAssemblyImage, TNodeIcon::Assembly);
-  ASMTreeList.SetNodeImage(kDrawingImage, TNodeIcon::Drawing);
   ASMTreeList.OnDblClick = [this] { ASMTreeListDblClick(); };
   ASMTreeList.OnColumnHeaderClick = [this](const TTreeColumn& column) {
     ASMTreeListColumnHeaderClick(column);
   };
-  ASMTreeListcxDBTreeListColumn3.OnValidateDrawValue = [this](const UnicodeString& value,
-                                                              TDrawWarning& warning) {
-    ASMTreeListcxDBTreeListColumn3ValidateDrawValue(value, warning);
+  ASMTreeListcxDBTreeListColumn3.OnValidateDrawValue = [this](const UnicodeString& value) {
+    return ASMTreeListcxDBTreeListColumn3ValidateDrawValue(value);
   };
   ASMTreeList.SetDataSource(&nxQuery1);
 }
@@ -222,11 +215,8 @@ void TfrmExportAsm::ASMTreeListColumnHeaderClick(const TTreeColumn& column) {
   ASMTreeList.FullExpand();
 }
 
-void TfrmExportAsm::ASMTreeListcxDBTreeListColumn3ValidateDrawValue(const UnicodeString& value,
-                                                                    TDrawWarning& warning) {
-  if (FileExists(value)) return;
-  warning.Text = u"Datei nicht gefunden!";
-  warning.Shown = true;
+UnicodeString TfrmExportAsm::ASMTreeListcxDBTreeListColumn3ValidateDrawValue(const UnicodeString& value) {
+  return FileExists(value) ? u"" : u"Datei nicht gefunden!";
 }
 
 /// The name goes into the statement as it is, quotes too: nothing shows this button.

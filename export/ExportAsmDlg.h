@@ -49,7 +49,7 @@ class TfrmExportAsm : public TForm {
   void btnExpandClick();
   void ASMTreeListDblClick();
   void ASMTreeListColumnHeaderClick(const TTreeColumn& column);
-  void ASMTreeListcxDBTreeListColumn3ValidateDrawValue(const UnicodeString& value, TDrawWarning& warning);
+  UnicodeString ASMTreeListcxDBTreeListColumn3ValidateDrawValue(const UnicodeString& value);
   void SpeedButton1Click();
 
   /// Makes the working table anew and fills it with `datei` and all files below it.

@@ -8,11 +8,6 @@
 // The working table of the export dialog: one row for each file that an assembly uses, in the order in which
 // the scan finds them.
 
-/// Node images, as their positions in the dialog's image list.
-constexpr std::int32_t kPartImage = 93;
-constexpr std::int32_t kAssemblyImage = 94;
-constexpr std::int32_t kDrawingImage = 95;
-
 /// What `Parent` says where no row is above.
 constexpr std::int64_t kRootParent = -1;
 /// The parent of the drawing beside the root assembly. No row has this key: the drawing stands beside the
@@ -20,7 +15,7 @@ constexpr std::int64_t kRootParent = -1;
 constexpr std::int64_t kRootDrawingParent = 0;
 
 struct TFileRow {
-  std::int32_t ImgIndex;
+  std::int32_t ImgIndex;   ///< ICON_PART, ICON_ASSEMBLY or ICON_DRAWING
   UnicodeString Filename;  ///< full path
   UnicodeString DisplayName;
   std::int32_t IamIndex;  ///< position among the assembly's references, from 1; the root's rows: their number

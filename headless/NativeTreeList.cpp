@@ -50,10 +50,9 @@ std::string TList::Drawn(std::size_t line) const {
   text += std::to_string(shape.Image);
   for (std::size_t column = 0; column < Columns.size(); ++column) {
     const TTreeListCell cell = Events.Cell(line, column);
-    const std::string mark = cell.Checked ? "x" : "-";
     text += " | ";
-    if (cell.HasWarning) text += "(" + Utf8FromText(cell.Warning) + ") ";
-    text += Columns[column].CheckBox ? mark : Utf8FromText(cell.Text);
+    if (!cell.Warning.empty()) text += "(" + Utf8FromText(cell.Warning) + ") ";
+    text += Utf8FromText(cell.Text);
   }
   return text;
 }
@@ -74,8 +73,6 @@ TNativeTreeList::~TNativeTreeList() {
 void TNativeTreeList::SetScale(const TFont&, const TFont&, int dpi) {
   fImpl->Dpi = dpi;
 }
-
-void TNativeTreeList::SetNodeImage(int, TNodeIcon) {}
 
 void TNativeTreeList::SetColumns(std::span<const TTreeListHeader> columns) {
   fImpl->Columns.assign(columns.begin(), columns.end());
@@ -167,8 +164,16 @@ void TTreeListScreen::Type(TextView letters) {
   });
 }
 
-void TTreeListScreen::Mouse(TTreeListMouse action, std::size_t line) {
-  Application->Guard([action, line] { TList::Shown().Events.OnMouse(action, line); });
+void TTreeListScreen::Select(std::size_t line) {
+  Application->Guard([line] { TList::Shown().Events.OnSelect(line); });
+}
+
+void TTreeListScreen::Toggle(std::size_t line) {
+  Application->Guard([line] { TList::Shown().Events.OnToggle(line); });
+}
+
+void TTreeListScreen::DoubleClick(std::size_t line) {
+  Application->Guard([line] { TList::Shown().Events.OnDoubleClick(line); });
 }
 
 void TTreeListScreen::ClickHeader(std::size_t column) {

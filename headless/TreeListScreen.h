@@ -7,8 +7,8 @@
 
 namespace headless {
 
-/// What a user sees of the tree list that was made last and still lives, and what he can do with it. Texts
-/// are UTF-8, lines count from the first one of the list.
+/// What a user sees of the newest tree list that is still there, and what can be done with it. Texts are
+/// UTF-8; lines count from the first one of the list.
 struct TTreeListScreen {
   /// The lines in view, such as "> [-] 94 | 2 | Getriebe | C:\x.iam": an arrow before the current one, two
   /// blanks for each level, "[+]" or "[-]" before a branch, the image, the cells. A warning stands in
@@ -22,7 +22,9 @@ struct TTreeListScreen {
   static void Press(TTreeKey key);
   /// Letters in quick succession.
   static void Type(TextView letters);
-  static void Mouse(TTreeListMouse action, std::size_t line);
+  static void Select(std::size_t line);
+  static void Toggle(std::size_t line);
+  static void DoubleClick(std::size_t line);
   static void ClickHeader(std::size_t column);
 };
 

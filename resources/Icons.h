@@ -1,7 +1,8 @@
 #pragma once
 
 // Identifiers of the icons, for the resource compiler and for C++ alike: macros are all that both understand.
-// The lowest one is the icon that the Explorer and the task bar show.
+// The lowest one is the icon that the Explorer and the task bar show. Part, assembly and drawing also stand
+// in the working table, as the image of a row: these three numbers are part of its format.
 // NOLINTBEGIN(modernize-macro-to-enum, cppcoreguidelines-macro-usage)
 #define ICON_PROGRAM 1
 #define ICON_PART 93

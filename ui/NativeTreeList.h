@@ -4,24 +4,26 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "ui/NativeWindow.h"
 #include "ui/TreeListModel.h"
 
 enum class TAlignment { Left, Centre };
-enum class TNodeIcon { Part, Assembly, Drawing };
 
-/// A column as it stands on the screen. The first one carries the tree.
+/// What a row without an image has in place of an icon's number among the resources.
+constexpr int kNoImage = -1;
+
+/// A column on the screen. The first one carries the tree.
 struct TTreeListHeader {
   UnicodeString Caption;
   TAlignment Alignment = TAlignment::Left;
-  bool CheckBox = false;  ///< its cells show a mark instead of a text
 };
 
 /// What is drawn of a line beside its cells.
 struct TTreeListLine {
   int Level = 0;
-  int Image = 0;
+  int Image = kNoImage;
   bool HasChildren = false;
   bool Open = false;
   /// For each level above, outermost first, and then for the line itself: whether a sibling follows, so that
@@ -31,12 +33,8 @@ struct TTreeListLine {
 
 struct TTreeListCell {
   UnicodeString Text;
-  UnicodeString Warning;  ///< stands before the text, with an icon
-  bool HasWarning = false;
-  bool Checked = false;
+  UnicodeString Warning;  ///< drawn before the text, after an icon; empty: none
 };
-
-enum class TTreeListMouse { Select, Toggle, DoubleClick };
 
 /// What the list asks while it draws, and what the user does. Lines are 0-based, columns count the headers.
 /// Errors that leave one go to the application's default handling; a line that cannot be answered stays
@@ -47,7 +45,9 @@ struct TTreeListEvents {
   std::function<void(TTreeKey key)> OnKey;
   /// `continued`: soon after the letter before, so that both belong to one search.
   std::function<void(char16_t letter, bool continued)> OnLetter;
-  std::function<void(TTreeListMouse action, std::size_t line)> OnMouse;
+  std::function<void(std::size_t line)> OnSelect;
+  std::function<void(std::size_t line)> OnToggle;
+  std::function<void(std::size_t line)> OnDoubleClick;
   std::function<void(std::size_t column)> OnHeaderClick;
   /// The room for the columns has changed, by a new size or because a scroll bar came or went.
   std::function<void()> OnWidthChanged;
@@ -66,8 +66,6 @@ class TNativeTreeList {
 
   /// Fonts and all sizes of its own for a monitor with `dpi`; what was measured before is void.
   void SetScale(const TFont& rows, const TFont& headers, int dpi);
-  /// Icon of the nodes with this image index; an index without one has no image.
-  void SetNodeImage(int image, TNodeIcon icon);
   void SetColumns(std::span<const TTreeListHeader> columns);
   void SetColumnWidths(std::span<const int> widths);
 
@@ -83,7 +81,7 @@ class TNativeTreeList {
 
   /// The room for all columns together, beside row indicator and scroll bar.
   int ColumnSpace() const;
-  /// How many lines are in view as a whole.
+  /// How many whole lines are in view.
   std::size_t PageSize() const;
   /// How wide a column must be to show `text` in full; the tree's column needs TreeWidth more.
   int NeededWidth(TextView text) const;

@@ -7,13 +7,7 @@
 #include "ui/Application.h"
 #include "ui/ColumnLayout.h"
 
-namespace {
-
-constexpr std::int64_t kNoImage = -1;
-
-}  // namespace
-
-/// Puts the query's cursor back to where it stood, be it behind the last row.
+/// Puts the query's cursor back to where it was, even if that was after the last row.
 struct TTreeList::TCursorKeeper {
   explicit TCursorKeeper(TQuery& query) : Query(query), Row(query.Row()) {}
   TCursorKeeper(const TCursorKeeper&) = delete;
@@ -35,21 +29,15 @@ void TTreeColumn::ApplyBestFit() {
 }
 
 /// The answer is entered before it is asked for: a handler that fails is not called again and again.
-const TDrawWarning& TTreeColumn::WarningFor(const UnicodeString& value) {
+const UnicodeString& TTreeColumn::WarningFor(const UnicodeString& value) {
   const auto [entry, isNew] = fWarnings.try_emplace(value);
   if (isNew && OnValidateDrawValue) {
-    Application->Guard([this, &entry = *entry] { OnValidateDrawValue(entry.first, entry.second); });
+    Application->Guard([this, &entry = *entry] { entry.second = OnValidateDrawValue(entry.first); });
   }
   return entry->second;
 }
 
 TTreeList::TTreeList(TForm& form) : TControl(TWindowKind::TreeList, form), fNative(Window(), Events()) {
-  TTreeList::Arranged();
-  ShowCurrent();
-}
-
-TTreeList::TTreeList(TControl& parent)
-    : TControl(TWindowKind::TreeList, parent), fNative(Window(), Events()) {
   TTreeList::Arranged();
   ShowCurrent();
 }
@@ -64,7 +52,13 @@ TTreeListEvents TTreeList::Events() {
       .Cell = [this](std::size_t line, std::size_t column) { return CellAt(line, column); },
       .OnKey = [this](TTreeKey key) { KeyPressed(key); },
       .OnLetter = [this](char16_t letter, bool continued) { LetterTyped(letter, continued); },
-      .OnMouse = [this](TTreeListMouse action, std::size_t line) { MouseUsed(action, line); },
+      .OnSelect = [this](std::size_t line) { LineSelected(line); },
+      .OnToggle = [this](std::size_t line) { LineToggled(line); },
+      .OnDoubleClick =
+          [this](std::size_t line) {
+            LineToggled(line);
+            if (OnDblClick && line < fModel.LineCount()) OnDblClick();
+          },
       .OnHeaderClick =
           [this](std::size_t column) {
             if (OnColumnHeaderClick && !Application->Busy()) OnColumnHeaderClick(*fVisible.at(column));
@@ -97,18 +91,15 @@ void TTreeList::Arranged() {
   FitWidths();
 }
 
-std::vector<const TTreeColumn*> TTreeList::VisibleColumns() const {
-  return {fVisible.begin(), fVisible.end()};
-}
-
 void TTreeList::ShowColumns() {
   fVisible.clear();
   std::vector<TTreeListHeader> headers;
   for (const auto& column : fColumns) {
     if (!column->Visible()) continue;
     fVisible.push_back(column.get());
-    headers.push_back({column->Caption(), column->Alignment(), column->CheckBox()});
+    headers.push_back({column->Caption(), column->Alignment()});
   }
+  BindFields();
   fNative.SetColumns(headers);
   FitWidths();
 }
@@ -153,7 +144,8 @@ void TTreeList::FitWantedColumns() {
 void TTreeList::Fit(TTreeColumn& column) {
   if (fModel.LineCount() == 0) return;
   const TCursorKeeper keeper(*fQuery);
-  const TField field = fQuery->Field(column.FieldName());
+  const TField& field =
+      fFields[static_cast<std::size_t>(std::ranges::find(fVisible, &column) - fVisible.begin())];
   const UnicodeString longest = fModel.LongestText([this, &field](std::size_t record) {
     fQuery->GoTo(record);
     return field.AsText();
@@ -166,7 +158,7 @@ void TTreeList::Fit(TTreeColumn& column) {
 
 void TTreeList::SetDataSource(TQuery* query) {
   if (fQuery != nullptr) {
-    LetGo();
+    Unbind();
     fQuery->OnChange = nullptr;
   }
   fQuery = query;
@@ -176,9 +168,9 @@ void TTreeList::SetDataSource(TQuery* query) {
 }
 
 void TTreeList::QueryChanged(TQueryChange change) {
-  if (change == TQueryChange::Closing) return LetGo();
+  if (change == TQueryChange::Closing) return Unbind();
   fBindWanted = Updating();
-  // The cursor stands on a new row, and stays there.
+  // The cursor is on the new row, and stays there.
   if (!Updating()) Bind(change == TQueryChange::Inserted ? fQuery->Row() : TTreeListModel::kNone);
 }
 
@@ -186,11 +178,12 @@ void TTreeList::Bind(std::size_t currentRecord) {
   try {
     fModel.Clear();
     AttachRows(fModel);
+    BindFields();
     const std::size_t node = fModel.NodeOf(currentRecord);
     if (node != TTreeListModel::kNone) fModel.MakeCurrent(node);
     MoveCursor();
   } catch (...) {
-    LetGo();
+    Unbind();
     throw;
   }
   ShowLines();
@@ -206,14 +199,21 @@ void TTreeList::AttachRows(TTreeListModel& model) const {
   std::vector<TTreeRow> rows;
   rows.reserve(fQuery->RowCount());
   for (fQuery->First(); !fQuery->Eof(); fQuery->Next()) {
-    const std::int64_t index = image ? image->AsInteger() : kNoImage;
-    rows.push_back({key.AsInteger(), parent.AsInteger(), static_cast<std::int32_t>(index)});
+    const std::int64_t number = image ? image->AsInteger() : kNoImage;
+    rows.push_back({key.AsInteger(), parent.AsInteger(), static_cast<std::int32_t>(number)});
   }
   model.Attach(rows, RootValue);
 }
 
-void TTreeList::LetGo() noexcept {
+void TTreeList::BindFields() {
+  fFields.clear();
+  if (fModel.NodeCount() == 0) return;
+  for (const TTreeColumn* column : fVisible) fFields.push_back(fQuery->Field(column->FieldName()));
+}
+
+void TTreeList::Unbind() noexcept {
   fModel.Clear();
+  fFields.clear();
   fBindWanted = false;
   Application->Guard([this] {
     ShowLines();
@@ -265,8 +265,8 @@ void TTreeList::ShowCurrent() {
                   DecimalText(static_cast<std::int64_t>(fModel.NodeCount())));
 }
 
-/// Changes the model and shows what has become different; `reveal` also brings the current row into view
-/// where it stayed the same.
+/// Changes the model and shows the difference; `reveal` also brings a current row that stayed the same into
+/// view.
 template <class TChange>
 void TTreeList::Perform(bool reveal, TChange&& change) {
   const std::size_t current = fModel.Current();
@@ -313,15 +313,14 @@ void TTreeList::LetterTyped(char16_t letter, bool continued) {
   });
 }
 
-void TTreeList::MouseUsed(TTreeListMouse action, std::size_t line) {
+void TTreeList::LineSelected(std::size_t line) {
   if (Updating() || Application->Busy() || line >= fModel.LineCount()) return;
-  const std::size_t node = fModel.NodeAt(line);
-  if (action == TTreeListMouse::Select) {
-    Perform(true, [this, node] { fModel.MakeCurrent(node); });
-    return;
-  }
-  Perform(false, [this, node] { fModel.Toggle(node); });
-  if (action == TTreeListMouse::DoubleClick && OnDblClick) OnDblClick();
+  Perform(true, [this, line] { fModel.MakeCurrent(fModel.NodeAt(line)); });
+}
+
+void TTreeList::LineToggled(std::size_t line) {
+  if (Updating() || Application->Busy() || line >= fModel.LineCount()) return;
+  Perform(false, [this, line] { fModel.Toggle(fModel.NodeAt(line)); });
 }
 
 // --- drawing ---
@@ -338,7 +337,7 @@ TTreeListLine TTreeList::LineAt(std::size_t line) const {
   return answer;
 }
 
-/// A row that cannot be read any more would fail again with each drawing: the list lets go of all of them.
+/// A row that can no longer be read would fail again with each drawing: the list becomes empty.
 TTreeListCell TTreeList::CellAt(std::size_t line, std::size_t column) {
   if (Updating() || line >= fModel.LineCount() || column >= fVisible.size()) return {};
   TTreeColumn& owner = *fVisible[column];
@@ -346,16 +345,12 @@ TTreeListCell TTreeList::CellAt(std::size_t line, std::size_t column) {
   try {
     const TCursorKeeper keeper(*fQuery);
     fQuery->GoTo(fModel.Record(fModel.NodeAt(line)));
-    const TField field = fQuery->Field(owner.FieldName());
-    if (owner.CheckBox()) cell.Checked = field.AsBoolean();
-    cell.Text = field.AsText();
+    cell.Text = fFields[column].AsText();
   } catch (...) {
-    LetGo();
+    Unbind();
     throw;
   }
-  const TDrawWarning& warning = owner.WarningFor(cell.Text);
-  cell.HasWarning = warning.Shown;
-  if (warning.Shown) cell.Warning = warning.Text;
+  cell.Warning = owner.WarningFor(cell.Text);
   return cell;
 }
 

@@ -11,39 +11,32 @@
 
 class TTreeList;
 
-/// What OnValidateDrawValue answers: a cell with a warning shows an icon and the text before its own one.
-struct TDrawWarning {
-  UnicodeString Text;
-  bool Shown = false;
-};
-
-/// How a column is designed; Width in pixels at kDesignDpi.
+/// How a column is designed; Width in pixels at kDesignDpi. No cell can be edited, so that no column is
+/// marked as read-only.
 struct TTreeColumnDesign {
   UnicodeString Caption;
   UnicodeString FieldName;
   int Width = 64;
   TAlignment Alignment = TAlignment::Left;
   bool Visible = true;
-  bool ReadOnly = false;  ///< for the record's sake: no cell of the list can be edited
-  bool CheckBox = false;
   int Tag = 0;
 };
 
-/// One column of a tree list, which owns it. It shows a field of the query as text or as a check box.
+/// One column of a tree list, which owns it. It shows a field of the query as text.
 class TTreeColumn {
  public:
   TTreeColumn(TTreeList& list, TTreeColumnDesign design) : fList(list), fDesign(std::move(design)) {}
   TTreeColumn(const TTreeColumn&) = delete;
   TTreeColumn& operator=(const TTreeColumn&) = delete;
 
-  /// Asked once for each text that gets drawn; the answer is remembered while the list lives.
-  std::function<void(const UnicodeString& value, TDrawWarning& warning)> OnValidateDrawValue;
+  /// Asked once for each text that is drawn; the answer is remembered. A warning is drawn before the text,
+  /// after an icon; an empty one is none.
+  std::function<UnicodeString(const UnicodeString& value)> OnValidateDrawValue;
 
   const UnicodeString& Caption() const noexcept { return fDesign.Caption; }
   const UnicodeString& FieldName() const noexcept { return fDesign.FieldName; }
   TAlignment Alignment() const noexcept { return fDesign.Alignment; }
   bool Visible() const noexcept { return fDesign.Visible; }
-  bool CheckBox() const noexcept { return fDesign.CheckBox; }
   int Tag() const noexcept { return fDesign.Tag; }
 
   void SetVisible(bool visible);
@@ -52,16 +45,16 @@ class TTreeColumn {
 
  private:
   friend class TTreeList;
-  const TDrawWarning& WarningFor(const UnicodeString& value);
+  const UnicodeString& WarningFor(const UnicodeString& value);
 
   TTreeList& fList;
   TTreeColumnDesign fDesign;
   int fFittedWidth = 0;  // in pixels at kDesignDpi; 0: as designed
   bool fFitWanted = false;
-  std::map<UnicodeString, TDrawWarning> fWarnings;
+  std::map<UnicodeString, UnicodeString> fWarnings;
 };
 
-/// A row of the tree for those who list it elsewhere.
+/// A row of the tree, to be listed elsewhere.
 struct TTreeListRow {
   int Level = 0;
   int Image = 0;
@@ -69,33 +62,30 @@ struct TTreeListRow {
 };
 
 /// Shows a query's rows as a tree: key and parent fields make its branches. The query's cursor follows the
-/// current row. The list reads cells only while it draws them, and lets go of the query before its result
-/// does. It neither sorts nor edits nor deletes.
+/// current row. The list reads cells only while it draws them, and is empty before the query's result closes.
+/// It neither sorts nor edits nor deletes.
 class TTreeList : public TControl {
  public:
   explicit TTreeList(TForm& form);
-  explicit TTreeList(TControl& parent);
   ~TTreeList() override;
 
   UnicodeString KeyField;
   UnicodeString ParentField;
-  UnicodeString ImageField;   ///< empty: no images
+  UnicodeString ImageField;   ///< a row's icon, by its number among the resources; empty: no images
   UnicodeString SearchField;  ///< what typed letters look for; empty: the tree column's field
   std::int64_t RootValue = 0;
 
   std::function<void()> OnDblClick;
   std::function<void(TTreeColumn& column)> OnColumnHeaderClick;
 
-  /// The fields are named before. The query outlives the list, or null is set before it goes; it has one
-  /// listener, this list. Throws what reading an open query throws, and is empty then.
+  /// To be called once the fields are named. The query outlives the list, or null is set before it ends; this
+  /// list is its only listener. Throws what reading an open query throws, and is empty then.
   void SetDataSource(TQuery* query);
   TTreeColumn& AddColumn(TTreeColumnDesign design);
   void SetHeaderFont(const TFont& font);
-  void SetNodeImage(int image, TNodeIcon icon) { fNative.SetNodeImage(image, icon); }
 
-  /// Between these nothing is bound, measured or drawn; what was asked for is done at the end of the
-  /// outermost pair. An end without a beginning does nothing. Errors of the binding go to the application's
-  /// default handling.
+  /// Between these nothing is bound, measured or drawn; it is made up for at the end of the outermost pair.
+  /// An end without a beginning does nothing. Errors of the binding go to the application's default handling.
   void BeginUpdate();
   void EndUpdate() noexcept;
   bool Updating() const noexcept { return fUpdates > 0; }
@@ -103,7 +93,6 @@ class TTreeList : public TControl {
   void FullExpand();
   void FullCollapse();
 
-  std::vector<const TTreeColumn*> VisibleColumns() const;
   /// Visits all rows in tree order, also those in closed branches and those that wait for the end of an
   /// update. The query's cursor is where it was afterwards.
   void ForEachRow(const std::function<void(const TTreeListRow&)>& visit) const;
@@ -117,7 +106,8 @@ class TTreeList : public TControl {
   void QueryChanged(TQueryChange change);
   void Bind(std::size_t currentRecord);
   void AttachRows(TTreeListModel& model) const;
-  void LetGo() noexcept;
+  void BindFields();
+  void Unbind() noexcept;
   void MoveCursor();
 
   template <class TChange>
@@ -135,10 +125,12 @@ class TTreeList : public TControl {
   TTreeListCell CellAt(std::size_t line, std::size_t column);
   void KeyPressed(TTreeKey key);
   void LetterTyped(char16_t letter, bool continued);
-  void MouseUsed(TTreeListMouse action, std::size_t line);
+  void LineSelected(std::size_t line);
+  void LineToggled(std::size_t line);
 
   std::vector<std::unique_ptr<TTreeColumn>> fColumns;
   std::vector<TTreeColumn*> fVisible;
+  std::vector<TField> fFields;  // of the visible columns, while rows are bound
   TTreeListModel fModel;
   TQuery* fQuery = nullptr;
   int fUpdates = 0;
@@ -148,5 +140,5 @@ class TTreeList : public TControl {
   TFont fScaledFont;
   int fScaledDpi = 0;       // what the native list has been told
   int fDepth = 0;           // of the rows in view
-  TNativeTreeList fNative;  // the first to go: it reports to all that stands above
+  TNativeTreeList fNative;  // declared last, destroyed first: its events use the members above
 };

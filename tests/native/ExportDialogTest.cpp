@@ -77,6 +77,6 @@ TEST_F(ExportDialogTest, HiddenFeaturesChangeTheTable) {
               form.ASMFile.SetText(u"O'Neil.iam");
               EXPECT_THROW(form.SpeedButton1Click(), EError) << "the name goes into the statement as it is";
               EXPECT_TRUE(TTree::Lines().empty()) << "the list has let go";
-              TTree::Mouse(TTreeListMouse::DoubleClick, 0);
+              TTree::DoubleClick(0);
             }});
 }

@@ -76,10 +76,10 @@ TEST_F(TreeListTest, CursorFollowsCurrentRow) {
   EXPECT_EQ(TScreen::Lines(), (TLines{"  [-] 7 | 1 | Wanne", ">   [+] 7 | 2 | Rad", "      7 | 4 | Achse"}));
   fList.FullCollapse();
   EXPECT_EQ(fQuery.Row(), 0U);
-  TScreen::Mouse(TTreeListMouse::Toggle, 0);
+  TScreen::Toggle(0);
   EXPECT_EQ(TScreen::Lines().size(), 3U);
-  TScreen::Mouse(TTreeListMouse::Toggle, 0);
-  TScreen::Mouse(TTreeListMouse::Select, 1);
+  TScreen::Toggle(0);
+  TScreen::Select(1);
   EXPECT_EQ(fQuery.Row(), 3U);
   fQuery.First();
   while (!fQuery.Eof()) fQuery.Next();
@@ -93,10 +93,10 @@ TEST_F(TreeListTest, CursorFollowsCurrentRow) {
 
 TEST_F(TreeListTest, ValidatesEachTextOnce) {
   std::string asked;
-  fName->OnValidateDrawValue = [&asked](const UnicodeString& value, TDrawWarning& warning) {
+  fName->OnValidateDrawValue = [&asked](const UnicodeString& value) -> UnicodeString {
     asked += Utf8FromText(value) + " ";
     if (value == u"Rad") throw EError(TErrorKind::System, 5, u"Zugriff verweigert");
-    if (value == u"Achse") warning = {u"Fehlt!", true};
+    return value == u"Achse" ? u"Fehlt!" : u"";
   };
   Fill();
   for (int i = 0; i < 2; ++i) EXPECT_EQ(TScreen::Lines().back(), "      7 | 4 | (Fehlt!) Achse");

@@ -10,7 +10,7 @@ namespace {
 
 constexpr UINT_PTR kSubclass = 1;
 
-/// Holds back the list view's drawing: it would draw at once, and all rows, for each column that is set.
+/// Holds back the list view's drawing: it would draw all rows at once for each column that is set.
 class TDrawingPause {
  public:
   explicit TDrawingPause(HWND list) : fList(list) { ::SendMessageW(list, WM_SETREDRAW, FALSE, 0); }
@@ -34,7 +34,7 @@ TWindow MakeList(HWND host) {
   if (!list) throw LastSystemError();
   constexpr DWORD kExtended = LVS_EX_DOUBLEBUFFER | LVS_EX_FULLROWSELECT;
   ::SendMessageW(list.Get(), LVM_SETEXTENDEDLISTVIEWSTYLE, kExtended, kExtended);
-  ::SendMessageW(list.Get(), LVM_SETTOOLTIPS, 0, 0);  // its own hints know nothing of what we draw
+  ::SendMessageW(list.Get(), LVM_SETTOOLTIPS, 0, 0);  // its own hints do not know what we draw
   return list;
 }
 
@@ -44,9 +44,9 @@ TNativeTreeList::TImpl::TImpl(HWND host, TTreeListEvents events)
     : Events(std::move(events)), Host(host), List(MakeList(host)), ToolTip(host), Navigator(host, ToolTip) {
   ::SetWindowLongPtrW(Header(), GWL_STYLE, ::GetWindowLongPtrW(Header(), GWL_STYLE) | HDS_NOSIZING);
   Navigator.Enable(false, false);
-  Listen(Host, SubclassProc<&TImpl::HandleHost>);
-  Listen(List.Get(), SubclassProc<&TImpl::HandleList>);
-  Listen(Header(), SubclassProc<&TImpl::HandleHeader>);
+  Listen(Host, SubclassProc<&TImpl::HostProc>);
+  Listen(List.Get(), SubclassProc<&TImpl::ListProc>);
+  Listen(Header(), SubclassProc<&TImpl::HeaderProc>);
   Living = true;
 }
 
@@ -55,7 +55,7 @@ TNativeTreeList::TImpl::~TImpl() {
   StopListening();
 }
 
-/// The constructor's last steps; when one fails, nothing may go on calling an object that never came to be.
+/// The constructor's last steps; if one fails, nothing may go on calling an object that was never completed.
 void TNativeTreeList::TImpl::Listen(HWND window, SUBCLASSPROC procedure) {
   if (CommonControls().SetWindowSubclass(window, procedure, kSubclass, reinterpret_cast<DWORD_PTR>(this)))
     return;
@@ -65,19 +65,19 @@ void TNativeTreeList::TImpl::Listen(HWND window, SUBCLASSPROC procedure) {
 
 void TNativeTreeList::TImpl::StopListening() noexcept {
   const TCommonControls& controls = CommonControls();
-  controls.RemoveWindowSubclass(Header(), SubclassProc<&TImpl::HandleHeader>, kSubclass);
-  controls.RemoveWindowSubclass(List.Get(), SubclassProc<&TImpl::HandleList>, kSubclass);
-  controls.RemoveWindowSubclass(Host, SubclassProc<&TImpl::HandleHost>, kSubclass);
+  controls.RemoveWindowSubclass(Header(), SubclassProc<&TImpl::HeaderProc>, kSubclass);
+  controls.RemoveWindowSubclass(List.Get(), SubclassProc<&TImpl::ListProc>, kSubclass);
+  controls.RemoveWindowSubclass(Host, SubclassProc<&TImpl::HostProc>, kSubclass);
 }
 
-/// Handlers guard what they hand to the control; this is the last barrier, for want of memory and its like.
-template <LRESULT (TNativeTreeList::TImpl::*kHandle)(UINT message, WPARAM wParam, LPARAM lParam)>
+/// Handlers guard their calls to the control; this is the last barrier, for a lack of memory and the like.
+template <LRESULT (TNativeTreeList::TImpl::*kProc)(UINT message, WPARAM wParam, LPARAM lParam)>
 LRESULT CALLBACK TNativeTreeList::TImpl::SubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                                       UINT_PTR, DWORD_PTR data) {
   auto* const self = reinterpret_cast<TImpl*>(data);
   if (!self->Living) return Default(window, message, wParam, lParam);
   LRESULT result = 0;
-  Application->Guard([&] { result = (self->*kHandle)(message, wParam, lParam); });
+  Application->Guard([&] { result = (self->*kProc)(message, wParam, lParam); });
   return result;
 }
 
@@ -107,11 +107,6 @@ void TNativeTreeList::SetScale(const TFont& rows, const TFont& headers, int dpi)
   ::InvalidateRect(fImpl->Host, nullptr, TRUE);
 }
 
-void TNativeTreeList::SetNodeImage(int image, TNodeIcon icon) {
-  fImpl->Painter.SetNodeImage(image, icon);
-  ::InvalidateRect(fImpl->List.Get(), nullptr, FALSE);
-}
-
 void TNativeTreeList::SetColumns(std::span<const TTreeListHeader> columns) {
   while (fImpl->ToList(LVM_DELETECOLUMN, 0) != FALSE) {
   }
@@ -130,7 +125,7 @@ void TNativeTreeList::SetColumns(std::span<const TTreeListHeader> columns) {
   }
 }
 
-/// Those that shrink come first: what is wider than the window for a moment would show a scroll bar.
+/// Those that shrink come first: columns wider than the window, even for a moment, show a scroll bar.
 void TNativeTreeList::SetColumnWidths(std::span<const int> widths) {
   if (std::ranges::equal(widths, fImpl->Widths)) return;
   const TDrawingPause pause(fImpl->List.Get());
@@ -149,7 +144,7 @@ void TNativeTreeList::SetLines(std::size_t count, std::size_t current) {
   const TDrawingPause pause(fImpl->List.Get());
   fImpl->ToList(LVM_SETITEMCOUNT, count, LVSICF_NOSCROLL);
   fImpl->Select(current);
-  // The row's name tells whether it is open.
+  // A screen reader's name of the row says whether it is open.
   if (current != TTreeListModel::kNone) {
     ::NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, fImpl->List.Get(), OBJID_CLIENT,
                      static_cast<LONG>(current + 1));

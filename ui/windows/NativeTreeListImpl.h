@@ -10,8 +10,8 @@
 #include "ui/windows/TreeNavigator.h"
 #include "ui/windows/TreeRowPainter.h"
 
-/// Two windows of the system are listened to: the host, which hears what the list reports, and the list,
-/// whose keys and mouse go to the control instead. The list view scrolls, keeps the header and speaks to
+/// Three windows are subclassed: the host, to which the list view reports; the list view, whose keys and
+/// mouse go to the control instead; and its header, for its height. The list view scrolls and speaks to
 /// screen readers; which row is current, and every drawn pixel of a row, is ours.
 struct TNativeTreeList::TImpl {
   static constexpr int kNoLine = -1;
@@ -38,14 +38,14 @@ struct TNativeTreeList::TImpl {
   int HeaderHeight = 0;
   LONG LastLetter = 0;
   bool Frozen = false;
-  bool Living = false;  // what is reported while windows come and go is nobody's concern
+  bool Living = false;  // reports from windows that are being made or destroyed are ignored
 
-  template <LRESULT (TImpl::*kHandle)(UINT message, WPARAM wParam, LPARAM lParam)>
+  template <LRESULT (TImpl::*kProc)(UINT message, WPARAM wParam, LPARAM lParam)>
   static LRESULT CALLBACK SubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                                        DWORD_PTR);
-  LRESULT HandleHost(UINT message, WPARAM wParam, LPARAM lParam);
-  LRESULT HandleList(UINT message, WPARAM wParam, LPARAM lParam);
-  LRESULT HandleHeader(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT HostProc(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT ListProc(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT HeaderProc(UINT message, WPARAM wParam, LPARAM lParam);
   static LRESULT Default(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     return CommonControls().DefSubclassProc(window, message, wParam, lParam);
   }
@@ -53,15 +53,17 @@ struct TNativeTreeList::TImpl {
     return ::SendMessageW(List.Get(), message, wParam, lParam);
   }
 
-  std::optional<LRESULT> HandleNotification(const NMHDR& header, LPARAM lParam);
-  LRESULT DrawPart(const NMLVCUSTOMDRAW& part);
+  std::optional<LRESULT> OnNotify(const NMHDR& header, LPARAM lParam);
+  LRESULT OnCustomDraw(const NMLVCUSTOMDRAW& part);
+  void OnGetDispInfo(LVITEMW& item);
+  void OnColumnClick(const NMLISTVIEW& click);
+  bool OnKeyDown(WPARAM key);
+  bool OnChar(WPARAM letter);
+  void OnButtonDown(UINT message, LPARAM position);
+  void OnMouseMove(LPARAM position);
+
   void DrawRow(HDC dc, int line);
   void DrawGround(HDC dc) const;
-  void GiveText(LVITEMW& item);
-  bool HandleKey(WPARAM key);
-  bool HandleLetter(WPARAM letter);
-  void HandleMouse(UINT message, LPARAM position);
-  void ShowHint(LPARAM position);
 
   void Listen(HWND window, SUBCLASSPROC procedure);
   void StopListening() noexcept;

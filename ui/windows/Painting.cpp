@@ -91,6 +91,21 @@ TIconHandle LoadProgramIcon(WORD id, int size) {
   return TIconHandle(icon);
 }
 
+void FillArea(HDC dc, const RECT& area, COLORREF colour) noexcept {
+  ::SetDCBrushColor(dc, colour);
+  ::FillRect(dc, &area, static_cast<HBRUSH>(::GetStockObject(DC_BRUSH)));
+}
+
+void PaintArrow(HDC dc, POINT base, int length, COLORREF colour) noexcept {
+  const TSavedDc saved(dc);
+  ::SelectObject(dc, ::GetStockObject(DC_BRUSH));
+  ::SelectObject(dc, ::GetStockObject(DC_PEN));
+  ::SetDCBrushColor(dc, colour);
+  ::SetDCPenColor(dc, colour);
+  const POINT corners[] = {{base.x, base.y - length}, {base.x + length, base.y}, {base.x, base.y + length}};
+  ::Polygon(dc, corners, 3);
+}
+
 void PaintPanel(HDC dc, const RECT& area, int bevel) noexcept {
   RECT rest = area;
   PaintFrame(dc, rest, bevel, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT);

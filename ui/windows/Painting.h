@@ -70,6 +70,12 @@ inline int TextExtent(HDC dc, TextView text) noexcept {
   return size.cx;
 }
 
+void FillArea(HDC dc, const RECT& area, COLORREF colour) noexcept;
+
+/// A triangle with its base at `base`, `length` pixels long and twice as high. It points to the right, or to
+/// the left where `length` is negative.
+void PaintArrow(HDC dc, POINT base, int length, COLORREF colour) noexcept;
+
 /// The face of a panel: a lowered outer and a raised inner bevel, each `bevel` pixels wide, in the user's
 /// colours.
 void PaintPanel(HDC dc, const RECT& area, int bevel) noexcept;

@@ -4,7 +4,7 @@
 #include "ui/Application.h"
 #include "ui/windows/NativeTreeListImpl.h"
 
-// What the tree list's windows are told, and what they draw.
+// The messages of the tree list's windows.
 
 namespace {
 
@@ -33,9 +33,13 @@ std::optional<TTreeKey> KeyOf(WPARAM virtualKey) {
   }
 }
 
+UnicodeString TextOf(const TTreeListCell& cell) {
+  return cell.Warning.empty() ? cell.Text : cell.Warning + u"  " + cell.Text;
+}
+
 }  // namespace
 
-LRESULT TNativeTreeList::TImpl::HandleHost(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT TNativeTreeList::TImpl::HostProc(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_SIZE:
       Arrange();
@@ -44,13 +48,13 @@ LRESULT TNativeTreeList::TImpl::HandleHost(UINT message, WPARAM wParam, LPARAM l
       ::SetFocus(List.Get());
       return 0;
     case WM_NOTIFY: {
-      const auto answer = HandleNotification(*reinterpret_cast<const NMHDR*>(lParam), lParam);
+      const auto answer = OnNotify(*reinterpret_cast<const NMHDR*>(lParam), lParam);
       if (answer) return *answer;
       break;
     }
     case WM_COMMAND:
       if (const auto key = TTreeNavigator::KeyOf(LOWORD(wParam)); key && HIWORD(wParam) == BN_CLICKED) {
-        // Else Enter would press the button again instead of the dialog's default button.
+        // Otherwise Enter would press the button again instead of the dialog's default button.
         ::SetFocus(List.Get());
         Application->Guard([this, key] { Events.OnKey(*key); });
         return 0;
@@ -66,21 +70,21 @@ LRESULT TNativeTreeList::TImpl::HandleHost(UINT message, WPARAM wParam, LPARAM l
   return Default(Host, message, wParam, lParam);
 }
 
-LRESULT TNativeTreeList::TImpl::HandleList(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT TNativeTreeList::TImpl::ListProc(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_KEYDOWN:
-      if (HandleKey(wParam)) return 0;
+      if (OnKeyDown(wParam)) return 0;
       break;
     case WM_CHAR:
-      if (HandleLetter(wParam)) return 0;
+      if (OnChar(wParam)) return 0;
       break;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
     case WM_RBUTTONDOWN:
-      HandleMouse(message, lParam);
+      OnButtonDown(message, lParam);
       return 0;
     case WM_MOUSEMOVE:
-      ShowHint(lParam);
+      OnMouseMove(lParam);
       break;
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
@@ -101,7 +105,7 @@ LRESULT TNativeTreeList::TImpl::HandleList(UINT message, WPARAM wParam, LPARAM l
 }
 
 /// As high as a row and a little more; the system leaves no room around a bold text.
-LRESULT TNativeTreeList::TImpl::HandleHeader(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT TNativeTreeList::TImpl::HeaderProc(UINT message, WPARAM wParam, LPARAM lParam) {
   const LRESULT result = Default(Header(), message, wParam, lParam);
   if (message != HDM_LAYOUT) return result;
   const HDLAYOUT& layout = *reinterpret_cast<const HDLAYOUT*>(lParam);
@@ -110,26 +114,30 @@ LRESULT TNativeTreeList::TImpl::HandleHeader(UINT message, WPARAM wParam, LPARAM
   return result;
 }
 
-std::optional<LRESULT> TNativeTreeList::TImpl::HandleNotification(const NMHDR& header, LPARAM lParam) {
+std::optional<LRESULT> TNativeTreeList::TImpl::OnNotify(const NMHDR& header, LPARAM lParam) {
   if (header.hwndFrom != List.Get()) return std::nullopt;
   switch (header.code) {
     case NM_CUSTOMDRAW:
-      return DrawPart(*reinterpret_cast<const NMLVCUSTOMDRAW*>(lParam));
+      return OnCustomDraw(*reinterpret_cast<const NMLVCUSTOMDRAW*>(lParam));
     case LVN_GETDISPINFOW:
-      GiveText(reinterpret_cast<NMLVDISPINFOW*>(lParam)->item);
+      OnGetDispInfo(reinterpret_cast<NMLVDISPINFOW*>(lParam)->item);
       return 0;
     case LVN_COLUMNCLICK:
-      if (const int column = reinterpret_cast<const NMLISTVIEW*>(lParam)->iSubItem; column > 0) {
-        Application->Guard([this, column] { Events.OnHeaderClick(static_cast<std::size_t>(column - 1)); });
-      }
+      OnColumnClick(*reinterpret_cast<const NMLISTVIEW*>(lParam));
       return 0;
     default:
       return std::nullopt;
   }
 }
 
-bool TNativeTreeList::TImpl::HandleKey(WPARAM key) {
-  // The list view would take back the selection, or fit its columns: what such a key types comes as a letter.
+/// The indicator's column takes no clicks.
+void TNativeTreeList::TImpl::OnColumnClick(const NMLISTVIEW& click) {
+  if (click.iSubItem == 0) return;
+  Application->Guard([&] { Events.OnHeaderClick(static_cast<std::size_t>(click.iSubItem - 1)); });
+}
+
+bool TNativeTreeList::TImpl::OnKeyDown(WPARAM key) {
+  // The list view would undo the selection, or fit its columns. The characters come by WM_CHAR.
   if (key == VK_SPACE || key == VK_ADD) return true;
   const auto meaning = KeyOf(key);
   if (!meaning) return false;
@@ -137,7 +145,7 @@ bool TNativeTreeList::TImpl::HandleKey(WPARAM key) {
   return true;
 }
 
-bool TNativeTreeList::TImpl::HandleLetter(WPARAM letter) {
+bool TNativeTreeList::TImpl::OnChar(WPARAM letter) {
   if (letter < u' ') return false;
   const LONG now = ::GetMessageTime();
   const bool continued = LastLetter != 0 && now - LastLetter < kSearchPause;
@@ -148,7 +156,7 @@ bool TNativeTreeList::TImpl::HandleLetter(WPARAM letter) {
   return true;
 }
 
-void TNativeTreeList::TImpl::HandleMouse(UINT message, LPARAM position) {
+void TNativeTreeList::TImpl::OnButtonDown(UINT message, LPARAM position) {
   ::SetFocus(List.Get());
   const POINT place{static_cast<short>(LOWORD(position)), static_cast<short>(HIWORD(position))};
   const int line = LineAt(place);
@@ -158,16 +166,17 @@ void TNativeTreeList::TImpl::HandleMouse(UINT message, LPARAM position) {
     const TTreeListLine shape = Events.Line(number);
     const int x = static_cast<int>(place.x - RowArea(line).left) - Painter.Metrics().Indicator;
     if (message != WM_RBUTTONDOWN && shape.HasChildren && Painter.IsSign(x, shape.Level)) {
-      Events.OnMouse(TTreeListMouse::Toggle, number);
+      Events.OnToggle(number);
+    } else if (message == WM_LBUTTONDBLCLK) {
+      Events.OnDoubleClick(number);
     } else {
-      Events.OnMouse(message == WM_LBUTTONDBLCLK ? TTreeListMouse::DoubleClick : TTreeListMouse::Select,
-                     number);
+      Events.OnSelect(number);
     }
   });
 }
 
-/// A hint where the mouse is over a cell that is too narrow for its text.
-void TNativeTreeList::TImpl::ShowHint(LPARAM position) {
+/// Shows a hint over a cell that is too narrow for its text.
+void TNativeTreeList::TImpl::OnMouseMove(LPARAM position) {
   const POINT place{static_cast<short>(LOWORD(position)), static_cast<short>(HIWORD(position))};
   const int line = LineAt(place);
   RECT cell = RowArea(line);
@@ -181,8 +190,8 @@ void TNativeTreeList::TImpl::ShowHint(LPARAM position) {
       const TTreeListCell content = Events.Cell(number, i);
       const TTreeListLine shape = Events.Line(number);
       const int tree = i == 0 ? Painter.TreeWidth(shape.Level, shape.Image) : 0;
-      if (tree + Painter.CellWidth(content, Columns[i]) <= Widths[i]) return;
-      hint = content.HasWarning ? content.Warning + u"  " + content.Text : content.Text;
+      if (tree + Painter.CellWidth(content) <= Widths[i]) return;
+      hint = TextOf(content);
     });
     break;
   }
@@ -191,7 +200,7 @@ void TNativeTreeList::TImpl::ShowHint(LPARAM position) {
 
 // --- drawing ---
 
-LRESULT TNativeTreeList::TImpl::DrawPart(const NMLVCUSTOMDRAW& part) {
+LRESULT TNativeTreeList::TImpl::OnCustomDraw(const NMLVCUSTOMDRAW& part) {
   switch (part.nmcd.dwDrawStage) {
     case CDDS_PREPAINT:
       DrawGround(part.nmcd.hdc);
@@ -204,7 +213,7 @@ LRESULT TNativeTreeList::TImpl::DrawPart(const NMLVCUSTOMDRAW& part) {
   }
 }
 
-/// The indicator's column goes on below the last row.
+/// The indicator's column continues below the last row.
 void TNativeTreeList::TImpl::DrawGround(HDC dc) const {
   RECT area{};
   ::GetClientRect(List.Get(), &area);
@@ -233,8 +242,8 @@ void TNativeTreeList::TImpl::DrawRow(HDC dc, int line) {
   Painter.Paint(dc, row);
 }
 
-/// What a screen reader says. The indicator's column is its name for the row, and drawn without text.
-void TNativeTreeList::TImpl::GiveText(LVITEMW& item) {
+/// Screen readers ask for these texts. The indicator's column, drawn without text, holds the row's name.
+void TNativeTreeList::TImpl::OnGetDispInfo(LVITEMW& item) {
   if ((item.mask & LVIF_TEXT) == 0 || item.pszText == nullptr || item.cchTextMax <= 0) return;
   UnicodeString text;
   Application->Guard([&] {
@@ -245,9 +254,7 @@ void TNativeTreeList::TImpl::GiveText(LVITEMW& item) {
       text = Description(line);
       return;
     }
-    const TTreeListCell cell = Events.Cell(line, column - 1);
-    if (cell.HasWarning) text = cell.Warning + u"  ";
-    text += Columns[column - 1].CheckBox ? UnicodeString(cell.Checked ? u"Ja" : u"Nein") : cell.Text;
+    text = TextOf(Events.Cell(line, column - 1));
   });
   const std::size_t length = std::min(text.size(), static_cast<std::size_t>(item.cchTextMax - 1));
   std::copy_n(Wide(text), length, item.pszText);

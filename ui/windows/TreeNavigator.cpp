@@ -1,8 +1,6 @@
 #include "ui/windows/TreeNavigator.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <vector>
 
 namespace {
 
@@ -26,47 +24,44 @@ constexpr int kImageSize = 12;
 
 using TBitmapHandle = TUniqueHandle<HBITMAP, ::DeleteObject>;
 
-/// How much of a pixel the arrows cover, 0 to 255. All lengths are in fractions of the image; an arrow points
-/// to the right, half as wide as high.
-int Coverage(int x, int y, int size, int arrows) {
-  constexpr int kSamples = 8;
-  constexpr double kHalfHeight = 0.42;
-  const double width = arrows == 1 ? 0.44 : 0.42;
-  const double left = 0.5 - width * arrows / 2;
-  int hits = 0;
-  for (int i = 0; i < kSamples * kSamples; ++i) {
-    const double across = (x + (i % kSamples + 0.5) / kSamples) / size - left;
-    const double up =
-        (y + (i / kSamples + 0.5) / kSamples) / size - 0.5;  // NOLINT(bugprone-integer-division)
-    if (across < 0 || across >= width * arrows) continue;
-    const double within = across - (across >= width ? width : 0);
-    if (std::abs(up) <= kHalfHeight * (1 - within / width)) ++hits;
+/// A surface that draws into `bitmap`.
+class TMemoryDc {
+ public:
+  explicit TMemoryDc(HBITMAP bitmap)
+      : fDc(::CreateCompatibleDC(nullptr)), fOld(::SelectObject(fDc, bitmap)) {}
+  ~TMemoryDc() {
+    ::SelectObject(fDc, fOld);
+    ::DeleteDC(fDc);
   }
-  return hits * 255 / (kSamples * kSamples);
+  TMemoryDc(const TMemoryDc&) = delete;
+  TMemoryDc& operator=(const TMemoryDc&) = delete;
+
+  HDC Dc() const noexcept { return fDc; }
+
+ private:
+  HDC fDc;
+  HGDIOBJ fOld;
+};
+
+/// Fills the bitmap with `ground` and the button's arrows.
+void PaintArrows(HBITMAP bitmap, int size, const TButtonDesign& design, COLORREF colour, COLORREF ground) {
+  const TMemoryDc memory(bitmap);
+  FillArea(memory.Dc(), {0, 0, size, size}, ground);
+  const int half = size * 5 / 12;
+  const int step = design.Forwards ? half : -half;
+  POINT base{(size - step * design.Arrows) / 2, size / 2};
+  for (int i = 0; i < design.Arrows; ++i, base.x += step) PaintArrow(memory.Dc(), base, step, colour);
 }
 
+/// A disabled button is drawn by the mask alone.
 TIconHandle ArrowIcon(const TButtonDesign& design, int size, COLORREF colour) {
-  BITMAPINFO format{};
-  format.bmiHeader = {sizeof(BITMAPINFOHEADER), size, -size, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-  void* bits = nullptr;
-  const TBitmapHandle image(::CreateDIBSection(nullptr, &format, DIB_RGB_COLORS, &bits, nullptr, 0));
-  if (!image) return {};
-  auto* pixel = static_cast<std::uint32_t*>(bits);
-  const auto rgb =
-      static_cast<std::uint32_t>(GetRValue(colour) << 16 | GetGValue(colour) << 8 | GetBValue(colour));
-  // A disabled button is drawn by the mask alone: set bits are outside the arrows. Its lines end at 16 bits.
-  const int maskLine = (size + 15) / 16 * 2;
-  std::vector<std::uint8_t> maskBits(static_cast<std::size_t>(maskLine * size));
-  for (int y = 0; y < size; ++y) {
-    for (int x = 0; x < size; ++x) {
-      const int coverage = Coverage(design.Forwards ? x : size - 1 - x, y, size, design.Arrows);
-      *pixel++ = static_cast<std::uint32_t>(coverage) << 24 | (coverage != 0 ? rgb : 0);
-      if (coverage < 128)
-        maskBits[static_cast<std::size_t>(y * maskLine + x / 8)] |= static_cast<std::uint8_t>(0x80 >> x % 8);
-    }
-  }
-  const TBitmapHandle mask(::CreateBitmap(size, size, 1, 1, maskBits.data()));
-  if (!mask) return {};
+  constexpr COLORREF kBlack = RGB(0, 0, 0);
+  const TScreenDc screen;
+  const TBitmapHandle image(::CreateCompatibleBitmap(screen.Dc(), size, size));
+  const TBitmapHandle mask(::CreateBitmap(size, size, 1, 1, nullptr));
+  if (!image || !mask) return {};
+  PaintArrows(image.Get(), size, design, colour, kBlack);
+  PaintArrows(mask.Get(), size, design, kBlack, RGB(255, 255, 255));
   ICONINFO icon{TRUE, 0, 0, mask.Get(), image.Get()};
   return TIconHandle(::CreateIconIndirect(&icon));
 }

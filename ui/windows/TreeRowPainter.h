@@ -21,7 +21,7 @@ struct TTreeMetrics {
   int Line;     ///< thickness of the tree's lines
 };
 
-/// A row as it is to be drawn.
+/// A row to be drawn.
 struct TTreeRowView {
   RECT Area{};
   std::span<const int> Widths;
@@ -35,8 +35,8 @@ struct TTreeRowView {
   bool Enabled = true;
 };
 
-/// Draws the rows of a tree list in the user's colours and says what lies where in them. Owned by the native
-/// list; asks nothing of it.
+/// Draws the rows of a tree list in the user's colours and knows where everything is in them. Owned by the
+/// native list; asks nothing of it.
 class TTreeRowPainter {
  public:
   explicit TTreeRowPainter(int dpi) : fMetrics(dpi) {}
@@ -44,17 +44,16 @@ class TTreeRowPainter {
   const TTreeMetrics& Metrics() const noexcept { return fMetrics; }
   HFONT Font() const noexcept { return fFont.Get(); }
   void SetScale(const TFont& font, int dpi);
-  void SetNodeImage(int image, TNodeIcon icon);
 
   int RowHeight() const;
   int TextWidth(TextView text) const;
   /// What a cell in the tree's column needs before its text.
   int TreeWidth(int level, int image) const;
-  /// The same for a node with some image.
+  /// The same for a node with an image.
   int WidestTree(int level) const { return (level + 1) * fMetrics.Level + fMetrics.Icon; }
   /// What a cell needs in all.
-  int CellWidth(const TTreeListCell& cell, const TTreeListHeader& header) const;
-  /// Whether `x`, from the left edge of the tree's column, lies where the sign of a branch is.
+  int CellWidth(const TTreeListCell& cell) const;
+  /// Whether `x`, from the left edge of the tree's column, is within the place of a branch's sign.
   bool IsSign(int x, int level) const;
 
   void Paint(HDC dc, const TTreeRowView& row) const;
@@ -63,21 +62,16 @@ class TTreeRowPainter {
 
  private:
   struct TColours;
-  struct TNodeImage {
-    TNodeIcon Icon;
-    TIconHandle Handle;
-  };
 
-  void LoadIcons();
+  HICON Icon(int number) const;
   void PaintIndicator(HDC dc, const TTreeRowView& row) const;
   void PaintTree(HDC dc, const TTreeRowView& row, RECT& cell, const TColours& colours) const;
   void PaintSign(HDC dc, POINT middle, bool open, const TColours& colours) const;
-  void PaintNodeImage(HDC dc, int left, const RECT& cell, const TNodeImage& image) const;
+  void PaintIcon(HDC dc, LONG left, const RECT& cell, int number) const;
   void PaintWarning(HDC dc, RECT& cell, const UnicodeString& warning) const;
-  void PaintCell(HDC dc, RECT cell, const TTreeListCell& content, const TTreeListHeader& header) const;
+  void PaintCell(HDC dc, RECT cell, const TTreeListCell& content, TAlignment alignment) const;
 
   TTreeMetrics fMetrics;
   TFontHandle fFont;
-  std::map<int, TNodeImage> fImages;
-  TIconHandle fWarning;
+  mutable std::map<int, TIconHandle> fIcons;  // by number among the resources, for this scale
 };
