@@ -12,7 +12,7 @@ echo "test.sh: building and testing the native and the Windows build"
 # summary.
 cleanUp() {
     [ -z "${ctest:-}" ] || kill -TERM -- "-$ctest" 2>/dev/null || true
-    [ ! -d "$root/build/wine/session" ] || "$root/scripts/wine.sh" stop >/dev/null || true
+    [ ! -e "$root/build/wine/session" ] || "$root/scripts/wine.sh" stop >/dev/null || true
 }
 trap cleanUp EXIT
 trap 'exit 1' HUP INT TERM
