@@ -25,6 +25,7 @@ kArrows = {
     "simulator": {"platform"},
     "tests": {*kProgram, "resources", "headless", "simulator"},
     "benchmarks": {*kProgram, "resources", "headless", "simulator"},
+    "scripts": {"platform", "tests"},
 }
 # What single files may include beyond that: (file, header).
 kExceptions = [
@@ -33,7 +34,7 @@ kExceptions = [
 ]
 # Who may include the headers of a folder that has less to do with the rest than its parent.
 kInner = {
-    "platform/windows/": r"(platform|ui)/windows/|simulator/com/|tests/|benchmarks/",
+    "platform/windows/": r"(platform|ui)/windows/|simulator/com/|tests/|benchmarks/|scripts/demo/",
     "ui/windows/": r"ui/windows/|tests/|benchmarks/",
     "simulator/com/": r"simulator/com/|tests/|benchmarks/",
 }
@@ -44,8 +45,8 @@ kForeign = {
     r"zlib\.h": r"(zip|tests|benchmarks)/",
     r"g(test|mock)/.*": r"tests/",
     r"benchmark/.*": r"benchmarks/",
-    r"(sys|netinet)/.*|(dirent|fcntl|malloc|poll|signal|spawn|unistd)\.h": r"(headless|tests|benchmarks)/",
-    r".*\.h": r"(platform|ui|benchmarks)/windows/|simulator/com/|tests/e2e/",  # Windows
+    r"(sys|netinet)/.*|(dirent|fcntl|malloc|poll|signal|spawn|unistd)\.h": r"(headless|tests|benchmarks|scripts)/",
+    r".*\.h": r"(platform|ui|benchmarks)/windows/|simulator/com/|tests/e2e/|scripts/demo/",  # Windows
 }
 # Each of these makes the Windows executable close to a megabyte bigger.
 kHeavy = r"filesystem|(f|i|o|s)?s?tream|iomanip|iostream|regex|sstream"
