@@ -2,11 +2,9 @@
 
 #include <sqlite3.h>
 
-#include <optional>
 #include <string>
 #include <utility>
 
-#include "database/Session.h"
 #include "database/SqlScript.h"
 
 using database::EngineError;
@@ -14,24 +12,38 @@ using database::SqlError;
 
 namespace {
 
-/// A SELECT taken apart: what it says of one table, and which one.
-struct TLiveSelect {
-  std::string Table;  ///< with its schema
-  std::string Rest;   ///< everything behind "SELECT *"
-};
+/// The table that a SELECT's first column comes from, with its schema; empty when it comes from none.
+std::string TableOf(sqlite3_stmt* select) {
+  const char* const schema = ::sqlite3_column_database_name(select, 0);
+  const char* const table = ::sqlite3_column_table_name(select, 0);
+  if (schema == nullptr || table == nullptr) return {};
+  return database::QuotedName(schema) + "." + database::QuotedName(table);
+}
 
-/// Nothing when the statement is no "SELECT * FROM" a table.
-std::optional<TLiveSelect> ParseLiveSelect(std::string_view sql) {
-  TSqlScanner scanner(sql);
-  if (!database::SameWord(scanner.Next().Text, "SELECT") || scanner.Next().Text != "*") return std::nullopt;
-  const std::size_t rest = scanner.RestStart();
-  if (!database::SameWord(scanner.Next().Text, "FROM")) return std::nullopt;
-  const TSqlToken name = scanner.Next();
-  if (name.Kind != TSqlTokenKind::Word && name.Kind != TSqlTokenKind::Quoted) return std::nullopt;
-  std::string table(name.Text);
-  // The name so far was the schema's.
-  if (scanner.Next().Text == ".") table.append(".").append(scanner.Next().Text);
-  return TLiveSelect{std::move(table), std::string(sql.substr(rest))};
+/// Whether two SELECTs have the same columns of the same table.
+bool HaveSameColumns(sqlite3_stmt* a, sqlite3_stmt* b) {
+  const int columns = ::sqlite3_column_count(a);
+  if (::sqlite3_column_count(b) != columns) return false;
+  for (int i = 0; i < columns; ++i) {
+    if (::sqlite3_stricmp(::sqlite3_column_table_name(a, i), ::sqlite3_column_table_name(b, i)) != 0 ||
+        ::sqlite3_stricmp(::sqlite3_column_origin_name(a, i), ::sqlite3_column_origin_name(b, i)) != 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+/// The column of a SELECT that holds its table's key; -1 when there is none.
+int KeyColumn(sqlite3* connection, sqlite3_stmt* select) {
+  for (int i = ::sqlite3_column_count(select) - 1; i >= 0; --i) {
+    const char* type = nullptr;
+    int isKey = 0;
+    ::sqlite3_table_column_metadata(
+        connection, ::sqlite3_column_database_name(select, i), ::sqlite3_column_table_name(select, i),
+        ::sqlite3_column_origin_name(select, i), &type, nullptr, nullptr, &isKey, nullptr);
+    if (isKey != 0 && ::sqlite3_stricmp(type, "INTEGER") == 0) return i;
+  }
+  return -1;
 }
 
 int Bind(sqlite3_stmt* statement, int parameter, const TSqlValue& value) {
@@ -122,27 +134,25 @@ void TQuery::Execute() {
 }
 
 void TQuery::OpenResult(sqlite3_stmt* select) {
-  const std::optional<TLiveSelect> parts = ParseLiveSelect(::sqlite3_sql(select));
-  if (!parts) {
+  const std::string table = TableOf(select);
+  TStatement rows;
+  if (!table.empty()) rows = PrepareOne("SELECT * FROM " + table + " WHERE rowid>=?1 ORDER BY rowid");
+  const int keyColumn = rows ? KeyColumn(Connection(), rows.Get()) : -1;
+  if (keyColumn < 0 || !HaveSameColumns(select, rows.Get())) {
     throw SqlError(u"Nur \"SELECT * FROM Tabelle\" ergibt eine Liste von Datensätzen:\n\n" + SQL.Text());
   }
-  TStatement rows = PrepareOne("SELECT rowid,* FROM " + parts->Table + " WHERE rowid>=?1 ORDER BY rowid");
   std::string places = "?";
   for (int i = 1; i < ::sqlite3_column_count(select); ++i) places += ",?";
-  TStatement insert = PrepareOne("INSERT INTO " + parts->Table + " VALUES(" + places + ")");
-  ReadKeys("SELECT rowid" + parts->Rest);
+  TStatement insert = PrepareOne("INSERT INTO " + table + " VALUES(" + places + ")");
+  fKeys.clear();
+  while (database::Step(Connection(), select, SQL.Text())) {
+    fKeys.push_back(::sqlite3_column_int64(select, keyColumn));
+  }
   fRow = 0;
-  fStepping = false;
+  fKeyColumn = keyColumn;
+  fLoadedKey.reset();
   fInsertStatement = std::move(insert);
   fRowStatement = std::move(rows);
-}
-
-void TQuery::ReadKeys(std::string_view sql) {
-  const TStatement keys = PrepareOne(sql);
-  fKeys.clear();
-  while (database::Step(Connection(), keys.Get(), SQL.Text())) {
-    fKeys.push_back(::sqlite3_column_int64(keys.Get(), 0));
-  }
 }
 
 TStatement TQuery::PrepareOne(std::string_view sql) const {
@@ -168,8 +178,9 @@ TField TQuery::Field(TextView name) {
   if (!Active()) throw SqlError(u"Die Abfrage ist nicht geöffnet.");
   const std::string wanted = Utf8FromText(name);
   const int columns = ::sqlite3_column_count(fRowStatement.Get());
-  for (int i = 1; i < columns; ++i) {
-    if (database::SameWord(::sqlite3_column_name(fRowStatement.Get(), i), wanted)) return {*this, i};
+  for (int i = 0; i < columns; ++i) {
+    if (::sqlite3_stricmp(::sqlite3_column_name(fRowStatement.Get(), i), wanted.c_str()) == 0)
+      return {*this, i};
   }
   throw SqlError(u"Das Feld \"" + UnicodeString(name) + u"\" gibt es nicht.");
 }
@@ -177,10 +188,9 @@ TField TQuery::Field(TextView name) {
 sqlite3_stmt* TQuery::CurrentRow() {
   if (!Active() || Eof()) throw SqlError(u"Es gibt keinen aktuellen Datensatz.");
   const std::int64_t key = fKeys[fRow];
-  if (fStepping && fLoadedKey == key) return fRowStatement.Get();
-  // In a walk from front to back the next step mostly gives the row; otherwise it is looked up.
-  if (fStepping && StepToKey(key)) return fRowStatement.Get();
-  fStepping = false;
+  if (fLoadedKey == key) return fRowStatement.Get();
+  // In a walk from front to back the next step usually gives the row; otherwise it is looked up.
+  if (fLoadedKey && StepToKey(key)) return fRowStatement.Get();
   ::sqlite3_reset(fRowStatement.Get());
   ::sqlite3_bind_int64(fRowStatement.Get(), 1, key);
   if (!StepToKey(key)) throw SqlError(u"Der aktuelle Datensatz ist gelöscht.");
@@ -188,11 +198,10 @@ sqlite3_stmt* TQuery::CurrentRow() {
 }
 
 bool TQuery::StepToKey(std::int64_t key) {
-  fStepping = false;
+  fLoadedKey.reset();
   if (!database::Step(Connection(), fRowStatement.Get(), SQL.Text())) return false;
-  fLoadedKey = ::sqlite3_column_int64(fRowStatement.Get(), 0);
-  fStepping = fLoadedKey == key;
-  return fStepping;
+  fLoadedKey = ::sqlite3_column_int64(fRowStatement.Get(), fKeyColumn);
+  return fLoadedKey == key;
 }
 
 /// A transaction that a script has begun stays the script's.
@@ -211,12 +220,12 @@ void TQuery::InsertRecord(std::initializer_list<TSqlValue> values) {
   }
   BeginInserting();
   ::sqlite3_reset(fRowStatement.Get());
-  fStepping = false;
+  fLoadedKey.reset();
   int parameter = 0;
   for (const TSqlValue& value : values) {
     if (Bind(insert, ++parameter, value) != SQLITE_OK) throw EngineError(Connection(), SQL.Text());
   }
-  // Reserved in front: once the table has the row, nothing can fail any more.
+  // Reserved first: once the table has the row, nothing can fail any more.
   fKeys.push_back(0);
   try {
     database::Step(Connection(), insert, SQL.Text());

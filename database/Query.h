@@ -4,14 +4,13 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <string_view>
 #include <variant>
 #include <vector>
 
-#include "database/Engine.h"
-#include "platform/Text.h"
+#include "database/Session.h"
 
-class TDatabase;
 class TQuery;
 
 /// The statements of a query, line by line.
@@ -28,12 +27,12 @@ class TSqlLines {
 /// A value on its way into a table. Texts are not copied: they must live until the call has returned.
 using TSqlValue = std::variant<std::nullptr_t, std::int64_t, bool, TextView>;
 
-/// A column of the query's current row. It follows the cursor, so that a walk asks for it once; it is of use
+/// A column of the query's current row. It follows the cursor, so that a walk asks for it once, and is valid
 /// until the query closes. Reading it where there is no current row throws EError of kind Sql.
 class TField {
  public:
   bool IsNull() const;
-  std::int64_t AsInteger() const;  ///< 0 for null and for a text without a number at its front
+  std::int64_t AsInteger() const;  ///< 0 for null and for a text that does not begin with a number
   bool AsBoolean() const;          ///< false for null
   UnicodeString AsText() const;    ///< empty for null; a Boolean gives 0 or 1
 
@@ -51,8 +50,9 @@ enum class TQueryChange {
   Closing,  ///< the result is still there
 };
 
-/// SQL statements, and the result of the last one as a list of rows with a cursor. The result is live: it is
-/// one table's rows as they are now, and takes new ones. The database outlives the query.
+/// SQL statements, and the result of the last one as a list of rows with a cursor. The result is live: its
+/// rows are those of one table with an AutoInc column, as they are now, and new ones can be inserted. The
+/// database outlives the query.
 class TQuery {
  public:
   explicit TQuery(TDatabase& database) : fDatabase(database) {}
@@ -66,9 +66,9 @@ class TQuery {
   std::function<void(TQueryChange change)> OnChange;
 
   /// Runs all statements. The last one, "SELECT * FROM" one table, with whatever follows, gives the result;
-  /// the cursor stands on its first row. A result that was open is closed first. Throws EError of kind Sql,
-  /// and the query is then closed; what the statements in front have done stays. What OnChange throws leaves
-  /// it open.
+  /// the cursor is on its first row. A result that was open is closed first. Throws EError of kind Sql, and
+  /// the query is then closed; what the earlier statements have done stays. What OnChange throws leaves it
+  /// open.
   void Open();
   /// Runs all statements and has no result. Closes and throws like Open.
   void Execute();
@@ -76,7 +76,7 @@ class TQuery {
   bool Active() const noexcept { return static_cast<bool>(fRowStatement); }
 
   std::size_t RowCount() const noexcept { return fKeys.size(); }
-  /// The current row's position in the result, from 0; RowCount() behind the last one.
+  /// The current row's position in the result, from 0; RowCount() after the last one.
   std::size_t Row() const noexcept { return fRow; }
   bool Eof() const noexcept { return fRow >= fKeys.size(); }
   void First() noexcept { fRow = 0; }
@@ -89,8 +89,8 @@ class TQuery {
   TField Field(TextView name);
 
   /// A new row from values in the order of the table's columns; those that are not given are null, and a null
-  /// AutoInc numbers itself. The new row is the result's last one and becomes the current one, be it that a
-  /// condition of the SELECT leaves it out. Throws EError of kind Sql.
+  /// AutoInc numbers itself. The new row is the result's last one and becomes the current one, even if the
+  /// SELECT's condition excludes it. Throws EError of kind Sql.
   void InsertRecord(std::initializer_list<TSqlValue> values);
 
  private:
@@ -98,11 +98,10 @@ class TQuery {
 
   void CheckDatabase() const;
   sqlite3* Connection() const;
-  /// Runs the statements of the script but the last one that has columns, which it returns.
+  /// Runs the statements; the last one is returned instead when it has columns.
   TStatement RunScript();
   void OpenResult(sqlite3_stmt* select);
-  void ReadKeys(std::string_view sql);
-  /// The statement that stands on the current row.
+  /// fRowStatement, on the current row.
   sqlite3_stmt* CurrentRow();
   bool StepToKey(std::int64_t key);
   TStatement PrepareOne(std::string_view sql) const;
@@ -114,9 +113,9 @@ class TQuery {
   TDatabase& fDatabase;
   std::vector<std::int64_t> fKeys;  // of the result's rows, in their order
   std::size_t fRow = 0;
-  TStatement fRowStatement;  // from a key on, in the order of keys; the key is its column 0
+  TStatement fRowStatement;                // from a key on, in the order of keys
+  int fKeyColumn = 0;                      // of fRowStatement
+  std::optional<std::int64_t> fLoadedKey;  // of the row that fRowStatement stands on
   TStatement fInsertStatement;
-  bool fInserting = false;      // since the first new row: one transaction instead of one for each row
-  bool fStepping = false;       // fRowStatement stands on a row
-  std::int64_t fLoadedKey = 0;  // the key of that row
+  bool fInserting = false;  // since the first new row: one transaction instead of one for each row
 };

@@ -1,22 +1,35 @@
 #include "database/SqlScript.h"
 
+#include <sqlite3.h>
+
 #include <algorithm>
 
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\f\v";
+constexpr std::string_view kGlobalNameEnds = " \t\r\n\f\v;";
+constexpr std::string_view kKeyType = "AutoInc";
 
-char LowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+enum class TTokenKind {
+  Gap,         ///< blanks, or a comment
+  GlobalName,  ///< "##" and all that follows up to a blank, a semicolon or the end of the text
+  Word,        ///< keyword, name or number
+  Quoted,      ///< a text or a name in quotes
+  Sign,        ///< any other single character
+};
+
+struct TToken {
+  TTokenKind Kind;
+  std::string_view Text;
+};
 
 /// Bytes of characters beyond ASCII belong to names.
 bool IsWordCharacter(char c) {
-  return (LowerCase(c) >= 'a' && LowerCase(c) <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '$' ||
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '$' ||
          static_cast<unsigned char>(c) >= 0x80;
 }
 
-/// The character that ends a quoted text or name which begins with `c`; none: nothing quoted begins so.
+/// The character that ends a quoted text or name that begins with `c`; none if nothing quoted begins so.
 char ClosingQuote(char c) {
   switch (c) {
     case '\'':
@@ -30,17 +43,10 @@ char ClosingQuote(char c) {
   }
 }
 
-TSqlTokenKind KindOf(std::string_view text) {
-  if (text.empty()) return TSqlTokenKind::End;
-  if (text.starts_with("##")) return TSqlTokenKind::GlobalName;
-  if (ClosingQuote(text.front()) != '\0') return TSqlTokenKind::Quoted;
-  return IsWordCharacter(text.front()) ? TSqlTokenKind::Word : TSqlTokenKind::Sign;
-}
-
-/// Behind the closing quote of a text or name that begins at `start`; a doubled quote does not close it.
-std::size_t EndOfQuoted(std::string_view sql, std::size_t start) {
-  const char quote = ClosingQuote(sql[start]);
-  for (std::size_t i = start + 1; i < sql.size(); ++i) {
+/// The length of the quoted text or name at the start; a doubled quote does not close it.
+std::size_t QuotedLength(std::string_view sql) {
+  const char quote = ClosingQuote(sql.front());
+  for (std::size_t i = 1; i < sql.size(); ++i) {
     if (sql[i] != quote) continue;
     if (quote == ']' || i + 1 == sql.size() || sql[i + 1] != quote) return i + 1;
     ++i;
@@ -48,82 +54,61 @@ std::size_t EndOfQuoted(std::string_view sql, std::size_t start) {
   return sql.size();
 }
 
-std::string QuotedName(std::string_view name) {
-  std::string quoted = "\"";
-  for (const char c : name) quoted.append(c == '"' ? 2 : 1, c);
-  return quoted += '"';
+std::size_t WordLength(std::string_view sql) {
+  return static_cast<std::size_t>(std::ranges::find_if_not(sql, IsWordCharacter) - sql.begin());
+}
+
+/// The token at the start of a text that is not empty.
+TToken FirstToken(std::string_view sql) {
+  const std::size_t blanks = sql.find_first_not_of(kBlanks);
+  if (blanks > 0) return {TTokenKind::Gap, sql.substr(0, blanks)};
+  if (sql.starts_with("--")) return {TTokenKind::Gap, sql.substr(0, sql.find('\n'))};
+  if (sql.starts_with("/*")) {
+    const std::size_t end = sql.find("*/", 2);
+    return {TTokenKind::Gap, end == std::string_view::npos ? sql : sql.substr(0, end + 2)};
+  }
+  if (sql.starts_with("##")) {
+    return {TTokenKind::GlobalName, sql.substr(0, sql.find_first_of(kGlobalNameEnds))};
+  }
+  if (ClosingQuote(sql.front()) != '\0') return {TTokenKind::Quoted, sql.substr(0, QuotedLength(sql))};
+  if (IsWordCharacter(sql.front())) return {TTokenKind::Word, sql.substr(0, WordLength(sql))};
+  return {TTokenKind::Sign, sql.substr(0, 1)};
+}
+
+bool IsKeyType(std::string_view word) {
+  return word.size() == kKeyType.size() &&
+         ::sqlite3_strnicmp(word.data(), kKeyType.data(), static_cast<int>(word.size())) == 0;
 }
 
 }  // namespace
 
-void TSqlScanner::SkipBlanksAndComments() {
-  for (;;) {
-    fNext = std::min(fSql.find_first_not_of(kBlanks, fNext), fSql.size());
-    const std::string_view rest = fSql.substr(fNext);
-    if (rest.starts_with("--")) {
-      fNext += std::min(rest.find('\n'), rest.size());
-    } else if (rest.starts_with("/*")) {
-      const std::size_t end = rest.find("*/", 2);
-      fNext += end == std::string_view::npos ? rest.size() : end + 2;
-    } else {
-      return;
-    }
-  }
-}
-
-std::size_t TSqlScanner::EndOfToken(TSqlTokenKind kind) const {
-  switch (kind) {
-    case TSqlTokenKind::GlobalName:
-      return std::min(fSql.find_first_of(" \t\r\n\f\v;", fStart), fSql.size());
-    case TSqlTokenKind::Word: {
-      const auto* const end = std::find_if_not(fSql.begin() + fStart, fSql.end(), IsWordCharacter);
-      return static_cast<std::size_t>(end - fSql.begin());
-    }
-    case TSqlTokenKind::Quoted:
-      return EndOfQuoted(fSql, fStart);
-    case TSqlTokenKind::End:
-      return fStart;
-    case TSqlTokenKind::Sign:
-      break;
-  }
-  return fStart + 1;
-}
-
-TSqlToken TSqlScanner::Next() {
-  SkipBlanksAndComments();
-  fStart = fNext;
-  const TSqlTokenKind kind = KindOf(fSql.substr(fStart));
-  fNext = EndOfToken(kind);
-  return {kind, fSql.substr(fStart, fNext - fStart)};
-}
-
 namespace database {
-
-bool SameWord(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, {}, LowerCase, LowerCase);
-}
 
 std::string EngineScript(std::string_view sql) {
   std::string script;
-  std::size_t copied = 0;
-  TSqlScanner scanner(sql);
-  const auto replaceToken = [&](std::string_view text) {
-    script.append(sql, copied, scanner.TokenStart() - copied).append(text);
-    copied = scanner.RestStart();
-  };
-  // A column's type stands behind its name: a column of this name is left alone.
-  bool behindName = false;
-  for (TSqlToken token = scanner.Next(); token.Kind != TSqlTokenKind::End; token = scanner.Next()) {
-    if (token.Kind == TSqlTokenKind::GlobalName) {
-      // A word may end right in front of it, as in "FROM##T": it must not grow by the schema's name.
-      const bool behindWord = scanner.TokenStart() > 0 && IsWordCharacter(sql[scanner.TokenStart() - 1]);
-      replaceToken((behindWord ? " temp." : "temp.") + QuotedName(token.Text));
+  // A column's type comes after its name: a column named AutoInc is left alone.
+  bool afterName = false;
+  while (!sql.empty()) {
+    const auto [kind, text] = FirstToken(sql);
+    sql.remove_prefix(text.size());
+    if (kind == TTokenKind::GlobalName) {
+      // A word may end right before it, as in "FROM##T": it must not grow by the schema's name.
+      if (!script.empty() && IsWordCharacter(script.back())) script += ' ';
+      script.append("temp.").append(QuotedName(text));
+    } else if (afterName && kind == TTokenKind::Word && IsKeyType(text)) {
+      script += "INTEGER PRIMARY KEY";
+    } else {
+      script += text;
     }
-    const bool isWord = token.Kind == TSqlTokenKind::Word;
-    if (behindName && isWord && SameWord(token.Text, "AutoInc")) replaceToken("INTEGER PRIMARY KEY");
-    behindName = isWord || token.Kind == TSqlTokenKind::Quoted;
+    if (kind != TTokenKind::Gap) afterName = kind == TTokenKind::Word || kind == TTokenKind::Quoted;
   }
-  return script.append(sql.substr(copied));
+  return script;
+}
+
+std::string QuotedName(std::string_view name) {
+  std::string quoted = "\"";
+  for (const char c : name) quoted.append(c == '"' ? 2 : 1, c);
+  return quoted += '"';
 }
 
 }  // namespace database

@@ -9,7 +9,7 @@
 #include "platform/Files.h"
 #include "platform/System.h"
 
-// The SQL layer with the statements that the program writes, on either engine build.
+// The SQL layer with the statements that the program writes, on both builds of the engine.
 
 namespace {
 
@@ -158,6 +158,8 @@ TEST_F(DatabaseContract, ErrorsNameStatementAndReason) {
       {{u""}, u"keine Datensätze"},
       {{u"SELECT COUNT(*) FROM ##T"}, u"Nur \"SELECT * FROM Tabelle\""},
       {{u"SELECT * FROM (SELECT 1)"}, u"Nur \"SELECT * FROM Tabelle\""},
+      {{u"SELECT * FROM ##T A, ##T B"}, u"Nur \"SELECT * FROM Tabelle\""},
+      {{u"SELECT ID, Zahl, Marke, Text FROM ##T"}, u"Nur \"SELECT * FROM Tabelle\""},
       {{u"SELECT * FROM ##T", UnicodeString(1, u'\0')}, u"unzulässiges Zeichen"},
       {{u"ATTACH 'C:\\Temp\\Datei.db' AS D"}, u"too many attached databases"},
       {{u"VACUUM INTO 'C:\\Temp\\Datei.db'"}, u"too many attached databases"},
