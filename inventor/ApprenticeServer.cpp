@@ -28,6 +28,7 @@ constexpr std::int32_t kReferencedFiles = 0x0300238A;
 constexpr std::int32_t kPropertySets = 0x03002395;
 constexpr std::int32_t kCloseDocument = 0x0300239E;
 constexpr std::int32_t kNeedsMigration = 0x0300250E;
+constexpr std::int32_t kCustomPropertySet = 4;
 }  // namespace document
 
 namespace collection {
@@ -67,7 +68,7 @@ std::int32_t CountOf(const TDispatch& object) {
   return Get(object, collection::kCount).AsInteger();
 }
 
-/// The object in a result; empty where the component answers with none. Only a use of it is an error then.
+/// The object in a result; empty where the component returns none. Only using it is an error then.
 TDispatch ObjectIn(const TVariant& result) {
   return result.Type() == TVarType::Dispatch || result.Type() == TVarType::Unknown ? result.AsObject()
                                                                                    : TDispatch();
@@ -110,10 +111,6 @@ TProperty TPropertySet::AddProperty(const TVariant& value, const UnicodeString& 
   return TProperty(ObjectIn(fReference.Invoke(property_set::kAddProperty, TInvokeKind::Method, arguments)));
 }
 
-std::int32_t TPropertySets::Count() const {
-  return CountOf(fReference);
-}
-
 TPropertySet TPropertySets::Item(std::int32_t index) const {
   return TPropertySet(ItemOf(fReference, index));
 }
@@ -149,6 +146,14 @@ UnicodeString TDocument::DisplayName() const {
 
 TPropertySets TDocument::PropertySets() const {
   return TPropertySets(ObjectIn(Get(fReference, document::kPropertySets)));
+}
+
+TPropertySet TDocument::CustomProperties() const {
+  return PropertySets().Item(document::kCustomPropertySet);
+}
+
+TProperty TDocument::CustomProperty(std::int32_t index) const {
+  return CustomProperties().Item(index);
 }
 
 TReferencedFiles TDocument::ReferencedFiles() const {

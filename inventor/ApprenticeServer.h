@@ -43,7 +43,6 @@ class TPropertySets {
  public:
   explicit TPropertySets(TDispatch reference) : fReference(std::move(reference)) {}
 
-  std::int32_t Count() const;
   TPropertySet Item(std::int32_t index) const;
   /// Writes the properties of all sets into the document's file.
   void WritePropertiesToFile() const;
@@ -82,6 +81,10 @@ class TDocument {
 
   UnicodeString DisplayName() const;
   TPropertySets PropertySets() const;
+  /// The set of the program's own (custom) properties, and one property of it. Positions shift when a
+  /// property is deleted: keep nothing but the position between two steps.
+  TPropertySet CustomProperties() const;
+  TProperty CustomProperty(std::int32_t index) const;
   TReferencedFiles ReferencedFiles() const;
   bool NeedsMigration() const;
   void CloseDocument() const;
@@ -103,7 +106,7 @@ class TSaveSet {
   TDispatch fReference;
 };
 
-/// One instance of the server. Letting go of it does not call CloseServer.
+/// One instance of the server. Releasing it does not call CloseServer.
 class TApprenticeServer {
  public:
   /// Creates a new instance; nothing is shared with other ones that are still held.

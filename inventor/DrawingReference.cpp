@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Runs steps that must all be tried, and remembers the first error among them.
+/// Runs steps that must all be attempted and remembers the first error.
 class TFirstError {
  public:
   template <class TStep>
@@ -35,8 +35,8 @@ void RepointReferences(const TDocument& drawing, const UnicodeString& fileName) 
   }
 }
 
-/// The drawing and the server are closed whether or not the save succeeds, each even if closing the other
-/// fails. The user is told what went wrong first.
+/// The drawing and the server are closed even if the save fails, each even if closing the other fails. The
+/// first error is reported.
 void SaveAndClose(const TApprenticeServer& server, const TDocument& drawing, const UnicodeString& fileName) {
   TFirstError error;
   error.Try([&] {
@@ -50,11 +50,11 @@ void SaveAndClose(const TApprenticeServer& server, const TDocument& drawing, con
 
 }  // namespace
 
-bool ChangeDrawingReference(const UnicodeString& fileName, const std::function<void()>& tellMigration) {
+bool ChangeDrawingReference(const UnicodeString& fileName, const std::function<void()>& onMigrationNeeded) {
   const TApprenticeServer server;
   const TDocument drawing = server.OpenDocument(fileName);
   if (drawing.NeedsMigration()) {
-    tellMigration();
+    onMigrationNeeded();
     drawing.CloseDocument();
     server.CloseServer();
     return false;

@@ -3,11 +3,11 @@
 namespace {
 
 bool DeleteFirstHint(const TDocument& document) {
-  const std::int32_t count = CustomProperties(document).Count();
+  const std::int32_t count = document.CustomProperties().Count();
   for (std::int32_t index = 1; index <= count; ++index) {
-    if (!CustomProperty(document, index).Value().IsText()) continue;
-    if (CustomProperty(document, index).Name() != kIndexHintName) continue;
-    CustomProperty(document, index).Delete();
+    if (!document.CustomProperty(index).Value().IsText()) continue;
+    if (document.CustomProperty(index).Name() != kIndexHintName) continue;
+    document.CustomProperty(index).Delete();
     return true;
   }
   return false;
@@ -15,20 +15,10 @@ bool DeleteFirstHint(const TDocument& document) {
 
 }  // namespace
 
-TPropertySet CustomProperties(const TDocument& document) {
-  return document.PropertySets().Item(kCustomPropertySet);
-}
-
-TProperty CustomProperty(const TDocument& document, std::int32_t index) {
-  return CustomProperties(document).Item(index);
-}
-
 bool AddIndexHint(const TDocument& document, const UnicodeString& oldIndex, const UnicodeString& newIndex,
                   const UnicodeString& hint) {
   if (oldIndex == newIndex) return false;
-  document.PropertySets()
-      .Item(kCustomPropertySet)
-      .AddProperty(TVariant::Text(hint), UnicodeString(kIndexHintName), 0);
+  document.CustomProperties().AddProperty(TVariant::Text(hint), UnicodeString(kIndexHintName), 0);
   return true;
 }
 

@@ -11,15 +11,15 @@ class TPropertyUpdate {
   TPropertyUpdate(const TDocument& document, TPropertyList& list, const TIndexSettings& settings)
       : fDocument(document), fList(list), fSettings(settings) {}
 
-  /// Empties and refills the text properties; takes out of the list what it has written.
+  /// Empties and refills the text properties; removes from the list what it has written.
   void UpdateExisting();
   /// Creates what is left in the list and returns how many properties that were.
   std::int32_t CreateMissing();
   const UnicodeString& OldIndex() const { return fOldIndex; }
 
  private:
-  TPropertySet Set() const { return CustomProperties(fDocument); }
-  TProperty Property(std::int32_t index) const { return CustomProperty(fDocument, index); }
+  TPropertySet Set() const { return fDocument.CustomProperties(); }
+  TProperty Property(std::int32_t index) const { return fDocument.CustomProperty(index); }
   void UpdateOne(std::int32_t index);
   void Refill(std::int32_t index);
 
@@ -30,9 +30,9 @@ class TPropertyUpdate {
 };
 
 void TPropertyUpdate::UpdateExisting() {
-  // The count is not adjusted when a hint goes: the property that moves up is passed over, and the last pass
-  // asks for a position that the set no longer has. Deliberately so: what the component answers decides
-  // whether the update goes on, and an update that it refuses leaves the file as it was.
+  // The count is not adjusted when a hint is deleted: the property that moves up is skipped, and the last pass
+  // asks for a position that the set no longer has. This is deliberate: the component's answer decides whether
+  // the update continues, and an update that it refuses leaves the file unchanged.
   const std::int32_t count = Set().Count();
   for (std::int32_t index = 1; index <= count; ++index) {
     if (Property(index).Value().IsText()) UpdateOne(index);
@@ -41,10 +41,9 @@ void TPropertyUpdate::UpdateExisting() {
 
 void TPropertyUpdate::UpdateOne(std::int32_t index) {
   if (Property(index).Name() == fSettings.IndexProp) fOldIndex = Property(index).Value().AsText();
-  // The value before the change, for a comparison that counts nothing: the report says that no property was
-  // updated, whatever happens here.
+  // The value before the change. Nothing compares it: updates are deliberately not counted.
   static_cast<void>(Property(index).Value());
-  // Emptied first, so that a property that the list does not name ends up empty.
+  // Emptied first: a property that the list does not name ends up empty.
   Property(index).Value(TVariant::Text({}));
   Refill(index);
   if (fSettings.AutoRemoveHint && Property(index).Name() == kIndexHintName) Property(index).Delete();
