@@ -30,9 +30,9 @@ class TPropertyUpdate {
 };
 
 void TPropertyUpdate::UpdateExisting() {
-  // The count is not adjusted when a hint is deleted: the property that moves up is skipped, and the last pass
-  // asks for a position that the set no longer has. This is deliberate: the component's answer decides whether
-  // the update continues, and an update that it refuses leaves the file unchanged.
+  // The count is not adjusted when a hint is deleted: the property that moves up is skipped, and the last
+  // pass asks for a position that the set no longer has. This is deliberate: the component's answer decides
+  // whether the update continues, and an update that it refuses leaves the file unchanged.
   const std::int32_t count = Set().Count();
   for (std::int32_t index = 1; index <= count; ++index) {
     if (Property(index).Value().IsText()) UpdateOne(index);

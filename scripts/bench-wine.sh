@@ -37,7 +37,7 @@ writeDocument() {
     {"name": "4", "properties": [
       {"name": "Bezeichnung", "type": "text", "value": "Deckel"},
       {"name": "Anzahl", "type": "integer", "value": 4},
-      {"name": "Datum", "type": "date", "value": "2024-03-15"},
+      {"name": "Datum", "type": "date", "value": 45366},
       {"name": "INTZUSTAND-EOF", "type": "text", "value": "a"}$2]}]
 }
 D

@@ -1,5 +1,6 @@
 #include "simulator/DocumentFile.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <nlohmann/json.hpp>
 
@@ -29,16 +30,19 @@ std::optional<UnicodeString> OptionalText(const TJson& object, const char* name)
 }
 
 /// The array `name`; an absent one counts as empty.
-TJson ArrayOf(const TJson& object, const char* name) {
+const TJson& ArrayOf(const TJson& object, const char* name) {
+  static const TJson kNone = TJson::array();
   const TJson* found = Find(object, name);
-  if (found == nullptr) return TJson::array();
+  if (found == nullptr) return kNone;
   if (!found->is_array()) Refuse(std::string("\"") + name + "\" ist keine Liste");
   return *found;
 }
 
 std::string ExtraOf(const TJson& object, std::initializer_list<const char*> known) {
-  TJson rest = object;
-  for (const char* name : known) rest.erase(name);
+  TJson rest;
+  for (const auto& [name, value] : object.items()) {
+    if (std::ranges::find(known, name) == known.end()) rest[name] = value;
+  }
   return rest.empty() ? std::string() : rest.dump();
 }
 
@@ -46,19 +50,18 @@ void AppendExtra(TJson& object, const std::string& extra) {
   if (!extra.empty()) object.update(TJson::parse(extra));
 }
 
-std::shared_ptr<TPropertyData> ParseProperty(const TJson& json) {
+TPropertyData ParseProperty(const TJson& json) {
   const TJson* value = Find(json, "value");
-  return std::make_shared<TPropertyData>(TPropertyData{
-      TextOf(json.at("name")),
-      simulator::ValueFromJson(json.at("type").get<std::string>(), value != nullptr ? *value : TJson()),
-      ExtraOf(json, {"name", "type", "value"})});
+  return {TextOf(json.at("name")),
+          simulator::ValueFromJson(json.at("type").get<std::string>(), value != nullptr ? *value : TJson()),
+          ExtraOf(json, {"name", "type", "value"})};
 }
 
 TPropertySetData ParsePropertySet(const TJson& json) {
   if (!json.is_object()) Refuse("Eine Eigenschaftsgruppe ist kein JSON-Objekt");
   TPropertySetData set{
-      OptionalText(json, "name").value_or(UnicodeString()), {}, ExtraOf(json, {"name", "properties"})};
-  for (const TJson& property : ArrayOf(json, "properties")) set.Properties.push_back(ParseProperty(property));
+      OptionalText(json, "name").value_or(UnicodeString()), ExtraOf(json, {"name", "properties"}), {}, {}};
+  for (const TJson& property : ArrayOf(json, "properties")) set.Add(ParseProperty(property));
   return set;
 }
 
@@ -123,6 +126,17 @@ TJson JsonFromReference(const TReferenceData& reference) {
 }
 
 }  // namespace
+
+const std::shared_ptr<TPropertyData>& TPropertySetData::Add(TPropertyData property) {
+  Names.insert(property.Name);
+  return Properties.emplace_back(std::make_shared<TPropertyData>(std::move(property)));
+}
+
+void TPropertySetData::Remove(TPropertyData& property) {
+  Names.erase(Names.find(property.Name));
+  std::erase_if(Properties, [&property](const auto& one) { return one.get() == &property; });
+  property.Deleted = true;
+}
 
 namespace simulator {
 

@@ -5,31 +5,37 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/Text.h"
 #include "platform/Variant.h"
 
-/// What a property set answers when it is asked for a property behind its last one.
+/// What a property set answers when it is asked for a property past its last one.
 enum class TPastEnd { Error, Empty };
 
 /// What a property set answers when it is to add a name that it already has.
 enum class TDuplicateProperty { Refuse, Accept };
 
-// `Extra` is what the file says beside the members known here, as the text of a JSON object, or empty: a
-// document that is written back keeps its notes.
+// `Extra` holds the members of the file that are not known here, as the text of a JSON object, or is empty:
+// a document that is written back keeps its notes.
 
 struct TPropertyData {
   UnicodeString Name;
   TVariant Value;
   std::string Extra;
+  bool Deleted = false;  ///< from its set; clients may still hold an object for it
 };
 
 struct TPropertySetData {
   UnicodeString Name;  ///< for the reader: sets are addressed by number; may be empty
-  /// Shared: an object that stands for a property outlives the property's place in the set.
-  std::vector<std::shared_ptr<TPropertyData>> Properties;
   std::string Extra;
+  std::vector<std::shared_ptr<TPropertyData>> Properties;
+  std::unordered_multiset<UnicodeString> Names;  ///< of Properties
+
+  bool Has(const UnicodeString& name) const { return Names.contains(name); }
+  const std::shared_ptr<TPropertyData>& Add(TPropertyData property);
+  void Remove(TPropertyData& property);
 };
 
 struct TReferenceData {

@@ -50,70 +50,7 @@ UnicodeString Checked(UnicodeString fileName) {
   throw Failure(Quoted(fileName) + u" ist keine Inventor-Datei (.ipt, .iam, .idw oder .ipn).");
 }
 
-}  // namespace
-
-TOpenDocument::TOpenDocument(TSimulator& simulator, UnicodeString fileName)
-    : fSimulator(simulator),
-      fFileName(Checked(std::move(fileName))),
-      fContent(Parse(fFileName, Load(simulator, fFileName))) {}
-
-UnicodeString TOpenDocument::DisplayName() const {
-  return fContent.DisplayName.value_or(simulator::NameWithoutFolder(fFileName));
-}
-
-TPastEnd TOpenDocument::PastEnd() const {
-  return fSimulator.Settings().PastEnd.value_or(fContent.PastEnd.value_or(TPastEnd::Error));
-}
-
-TDuplicateProperty TOpenDocument::DuplicateProperty() const {
-  return fSimulator.Settings().DuplicateProperty.value_or(
-      fContent.DuplicateProperty.value_or(TDuplicateProperty::Refuse));
-}
-
-UnicodeString TOpenDocument::ReferencedFile(std::size_t index) const {
-  return simulator::ResolvedName(fFileName, fContent.References[index].File);
-}
-
-void TOpenDocument::CheckOpen() const {
-  if (fClosed) throw Failure(u"Das Dokument " + Quoted(fFileName) + u" ist geschlossen.");
-}
-
-void TOpenDocument::CheckMigrated() const {
-  if (fContent.NeedsMigration.value_or(0) == 0) return;
-  throw Failure(u"Das Dokument " + Quoted(fFileName) + u" muss vor dem Speichern migriert werden.");
-}
-
-void TOpenDocument::WriteProperties() const {
-  TDocumentFile content = Parse(fFileName, Load(fSimulator, fFileName));
-  content.PropertySets = fContent.PropertySets;
-  Store(fFileName, content);
-}
-
-void TOpenDocument::SaveAs(const UnicodeString& fileName) const {
-  TDocumentFile content = fContent;
-  // Relative names keep their meaning only in the same folder.
-  if (!SameText(FolderOf(fileName), FolderOf(fFileName))) {
-    for (std::size_t i = 0; i < content.References.size(); ++i)
-      content.References[i].File = ReferencedFile(i);
-  }
-  Store(Checked(fileName), content);
-}
-
-void TOpenDocument::Store(const UnicodeString& fileName, const TDocumentFile& content) const {
-  const std::string bytes = simulator::SerialiseDocument(content);
-  try {
-    fSimulator.Files().Store(fileName, bytes);
-  } catch (const EError& error) {
-    throw Failure(Quoted(fileName) + u" kann nicht geschrieben werden: " + error.Message());
-  }
-}
-
-namespace simulator {
-
-UnicodeString NameWithoutFolder(TextView fileName) {
-  return UnicodeString(fileName.substr(FolderOf(fileName).size()));
-}
-
+/// `fileName` seen from the folder of `document`; a full name stays as it is.
 UnicodeString ResolvedName(TextView document, TextView fileName) {
   if (IsFullName(fileName)) return UnicodeString(fileName);
   UnicodeString folder(FolderOf(document));
@@ -135,6 +72,70 @@ UnicodeString ResolvedName(TextView document, TextView fileName) {
       return folder + rest;
     }
   }
+}
+
+}  // namespace
+
+TOpenDocument::TOpenDocument(TSimulator& simulator, UnicodeString fileName)
+    : fSimulator(simulator),
+      fFileName(Checked(std::move(fileName))),
+      fContent(Parse(fFileName, Load(simulator, fFileName))) {}
+
+UnicodeString TOpenDocument::DisplayName() const {
+  return fContent.DisplayName.value_or(simulator::NameWithoutFolder(fFileName));
+}
+
+TPastEnd TOpenDocument::PastEnd() const {
+  return fSimulator.Settings().PastEnd.value_or(fContent.PastEnd.value_or(TPastEnd::Error));
+}
+
+TDuplicateProperty TOpenDocument::DuplicateProperty() const {
+  return fSimulator.Settings().DuplicateProperty.value_or(
+      fContent.DuplicateProperty.value_or(TDuplicateProperty::Refuse));
+}
+
+UnicodeString TOpenDocument::FullName(TextView file) const {
+  return ResolvedName(fFileName, file);
+}
+
+void TOpenDocument::CheckOpen() const {
+  if (fClosed) throw Failure(u"Das Dokument " + Quoted(fFileName) + u" ist geschlossen.");
+}
+
+void TOpenDocument::CheckSavable() const {
+  CheckOpen();
+  if (fContent.NeedsMigration.value_or(0) == 0) return;
+  throw Failure(u"Das Dokument " + Quoted(fFileName) + u" muss vor dem Speichern migriert werden.");
+}
+
+void TOpenDocument::WriteProperties() const {
+  TDocumentFile content = Parse(fFileName, Load(fSimulator, fFileName));
+  content.PropertySets = fContent.PropertySets;
+  Store(fFileName, content);
+}
+
+void TOpenDocument::SaveAs(const UnicodeString& fileName) const {
+  TDocumentFile content = fContent;
+  // Relative names are only right in the same folder.
+  if (!SameText(FolderOf(fileName), FolderOf(fFileName))) {
+    for (TReferenceData& reference : content.References) reference.File = FullName(reference.File);
+  }
+  Store(Checked(fileName), content);
+}
+
+void TOpenDocument::Store(const UnicodeString& fileName, const TDocumentFile& content) const {
+  const std::string bytes = simulator::SerialiseDocument(content);
+  try {
+    fSimulator.Files().Store(fileName, bytes);
+  } catch (const EError& error) {
+    throw Failure(Quoted(fileName) + u" kann nicht geschrieben werden: " + error.Message());
+  }
+}
+
+namespace simulator {
+
+UnicodeString NameWithoutFolder(TextView fileName) {
+  return UnicodeString(fileName.substr(FolderOf(fileName).size()));
 }
 
 }  // namespace simulator

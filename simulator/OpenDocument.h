@@ -1,12 +1,9 @@
 #pragma once
 
-#include <cstddef>
-#include <memory>
-
 #include "simulator/Simulator.h"
 
 /// One document as OpenDocument has read it, shared by the document object, everything reached from it and
-/// the save set. Changes stay in here until they are written.
+/// the save set. Changes are kept here until they are written.
 class TOpenDocument {
  public:
   /// Throws EError when the file has another extension, cannot be read or is no document.
@@ -18,14 +15,15 @@ class TOpenDocument {
   TPastEnd PastEnd() const;
   TDuplicateProperty DuplicateProperty() const;
 
-  /// The full name of the reference at `index`, from 0.
-  UnicodeString ReferencedFile(std::size_t index) const;
+  /// The full name of a referenced file, as the document writes it.
+  UnicodeString FullName(TextView file) const;
 
   void Close() noexcept { fClosed = true; }
   void CheckOpen() const;
-  void CheckMigrated() const;
+  /// Throws if the document is closed or must be migrated first.
+  void CheckSavable() const;
 
-  /// Puts the property sets into the file as it is now; everything else in it stays.
+  /// Replaces the property sets in the file as it is now; everything else in it stays.
   void WriteProperties() const;
   /// Writes the whole document to `fileName`.
   void SaveAs(const UnicodeString& fileName) const;
@@ -41,9 +39,6 @@ class TOpenDocument {
 
 namespace simulator {
 
-/// The part behind the last separator.
+/// The part after the last separator.
 UnicodeString NameWithoutFolder(TextView fileName);
-/// `fileName` seen from the folder of `document`; a full name stays as it is.
-UnicodeString ResolvedName(TextView document, TextView fileName);
-
 }  // namespace simulator

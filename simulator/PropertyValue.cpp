@@ -1,14 +1,12 @@
 #include "simulator/PropertyValue.h"
 
 #include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <limits>
 #include <nlohmann/json.hpp>
 
 #include "platform/Error.h"
-#include "simulator/OleDate.h"
 
 using TJson = nlohmann::ordered_json;
 
@@ -58,12 +56,6 @@ float Single(const TJson& json) {
   return value;
 }
 
-double Date(const TJson& json) {
-  const auto date = json.is_string() ? simulator::OleDateFromIso(json.get<std::string>()) : std::nullopt;
-  if (!date) Refuse("Datum erwartet (JJJJ-MM-TT oder JJJJ-MM-TTThh:mm:ss)", json);
-  return *date;
-}
-
 UnicodeString TextOf(const TJson& json) {
   if (!json.is_string()) Refuse("Text erwartet", json);
   return TextFromUtf8(json.get<std::string>());
@@ -72,11 +64,10 @@ UnicodeString TextOf(const TJson& json) {
 /// The double with the fewest digits that reads back as `value`: 0.1 and not 0.10000000149011612.
 double FewestDigits(float value) {
   std::array<char, 32> text{};
-  for (int precision = 6; precision <= 9; ++precision) {
-    std::snprintf(text.data(), text.size(), "%.*g", precision, static_cast<double>(value));
-    if (std::strtof(text.data(), nullptr) == value) break;
-  }
-  return std::strtod(text.data(), nullptr);
+  const char* end = std::to_chars(text.begin(), text.end(), value).ptr;
+  double shortest = 0;
+  std::from_chars(text.data(), end, shortest);
+  return shortest;
 }
 
 }  // namespace
@@ -99,9 +90,8 @@ bool CanHold(const TVariant& value) {
       return true;
     case TVarType::Single:
     case TVarType::Double:
-      return std::isfinite(value.AsDouble());
     case TVarType::Date:
-      return IsOleDate(value.AsDouble());
+      return std::isfinite(value.AsDouble());
     default:
       return false;
   }
@@ -117,9 +107,8 @@ TJson JsonFromValue(const TVariant& value) {
     case TVarType::Single:
       return FewestDigits(static_cast<float>(value.AsDouble()));
     case TVarType::Double:
-      return value.AsDouble();
     case TVarType::Date:
-      return IsoFromOleDate(value.AsDouble());
+      return value.AsDouble();
     case TVarType::Boolean:
       return JsonFromVariantBool(value.AsVariantBool());
     default:
@@ -133,7 +122,7 @@ TVariant ValueFromJson(std::string_view type, const TJson& json) {
   if (type == "integer") return TVariant::Int32(WholeNumber<std::int32_t>(json));
   if (type == "single") return TVariant::Single(Single(json));
   if (type == "real") return TVariant::Double(Real(json));
-  if (type == "date") return TVariant::Date(Date(json));
+  if (type == "date") return TVariant::Date(Real(json));
   if (type == "boolean") return TVariant::Boolean(VariantBoolFromJson(json));
   if (type != "empty" && type != "null") Refuse("Unbekannter Typ", std::string(type));
   if (!json.is_null()) Refuse("Kein Wert erwartet", json);

@@ -9,7 +9,7 @@ TSimulator::TSimulator(TFileAccess files, TSimulatorSettings settings)
     : fFiles(std::move(files)), fSettings(std::move(settings)) {}
 
 TDispatch TSimulator::CreateServer() {
-  const auto server = std::make_shared<TServerObject>(*this);
+  const auto server = NewServer(*this);
   Trace("server.Create");
   return MakeDispatch(server, &kSimulatedServerInterface);
 }

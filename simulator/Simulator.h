@@ -21,8 +21,8 @@ constexpr TextView kSimulatorSource = u"Apprentice-Simulator";
 /// The code of errors that have no other: "unspecified error" (winerror.h).
 constexpr std::int32_t kUnspecifiedError = HResult(0x80004005);
 
-/// Where documents lie. Both functions throw EError with the reason alone; its message goes into the
-/// simulator's.
+/// Where documents are kept. Both functions throw EError with the reason alone; its message becomes part of
+/// the simulator's.
 struct TFileAccess {
   std::function<std::string(const UnicodeString& path)> Load;
   /// All or nothing: after a failure the file is what it was before.
@@ -30,7 +30,8 @@ struct TFileAccess {
 };
 
 struct TSimulatorSettings {
-  /// Takes one line of UTF-8 without its line break, before the call that it tells of returns.
+  /// Takes one line of UTF-8 without its line break before the call that it describes returns. Empty: calls
+  /// are not traced.
   std::function<void(std::string_view line)> Trace;
 
   std::int64_t FailCall = 0;  ///< the call that fails, counted from 1 over all objects; 0: none
@@ -40,7 +41,7 @@ struct TSimulatorSettings {
   int DelayMilliseconds = 0;  ///< before OpenDocument begins
   std::function<void(int milliseconds)> Sleep;
 
-  // These win over the switches of the documents.
+  // These override the switches of the documents.
   std::optional<TPastEnd> PastEnd;
   std::optional<TDuplicateProperty> DuplicateProperty;
 };
@@ -63,9 +64,9 @@ class TSimulator {
   // For the objects themselves:
   const TFileAccess& Files() const noexcept { return fFiles; }
   const TSimulatorSettings& Settings() const noexcept { return fSettings; }
-  /// Counts a call and throws in its place when it is the one that is to fail.
+  /// Counts a call and throws if it is the one that is to fail.
   void BeginCall();
-  /// A line that the trace cannot take is lost: no call fails for that.
+  /// A line that cannot be written is lost: no call fails for that.
   void Trace(std::string_view line) noexcept;
   void DelayOpening() const;
 

@@ -11,10 +11,8 @@
 #include "platform/System.h"
 #include "platform/windows/VariantConversion.h"
 #include "platform/windows/Wide.h"
-#include "simulator/Simulator.h"
-#include "simulator/com/Environment.h"
-#include "simulator/com/FileAccess.h"
 #include "simulator/com/Registration.h"
+#include "simulator/com/World.h"
 
 namespace {
 
@@ -28,17 +26,14 @@ struct TModule {
 
   /// Throws EError when the environment asks for something that cannot be had.
   TSimulator& World() {
-    if (!Simulator) {
-      Simulator =
-          std::make_unique<TSimulator>(simulator::SystemFiles(), simulator::SettingsFromEnvironment());
-    }
+    if (!Simulator) Simulator = simulator::NewWorld();
     return *Simulator;
   }
   bool InUse() const { return Locks > 0 || (Simulator && Simulator->LiveObjects() > 0); }
 };
 
 TModule& Module() {
-  // Never destroyed: a client that does not let go of its objects in time finds them whole until the process
+  // Never destroyed: a client that does not release its objects in time finds them intact until the process
   // ends.
   static auto* module = new TModule;
   return *module;
@@ -118,7 +113,7 @@ UnicodeString DllPath() {
   return path;
 }
 
-HRESULT SetRegistered(bool registered, simulator::TRegistrationScope scope) {
+HRESULT SetRegistered(bool registered, HKEY scope) {
   return Guarded([=] {
     return registered ? simulator::Register(scope, DllPath()) : simulator::Unregister(scope, DllPath());
   });

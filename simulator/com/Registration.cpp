@@ -49,8 +49,7 @@ TEntry EntryOf(HKEY scope, TextView serverKey, DWORD view, TextView dllPath) {
   return status == ERROR_SUCCESS && SameFile(file, dllPath) ? TEntry::Own : TEntry::Foreign;
 }
 
-/// Also the view of 32-bit programs counts: a component of theirs in a process of its own serves 64-bit
-/// clients.
+/// The view of 32-bit programs counts too: a 32-bit component in a process of its own serves 64-bit clients.
 bool AnotherFileIsRegistered(TextView dllPath) {
   for (const HKEY scope : std::array{HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
     for (const DWORD view : std::array<DWORD, 2>{RRF_SUBKEY_WOW6464KEY, RRF_SUBKEY_WOW6432KEY}) {
@@ -73,7 +72,7 @@ TRegistryKey OpenKey(HKEY scope, TextView path, REGSAM access) {
   return TRegistryKey(key);
 }
 
-/// The key of the class goes when nothing is left in it; what others have put there stays.
+/// Deletes the key of the class if nothing is left in it; what others have put there stays.
 void DeleteClassKeyIfEmpty(HKEY scope) {
   DWORD keys = 0;
   DWORD values = 0;
@@ -88,19 +87,19 @@ void DeleteClassKeyIfEmpty(HKEY scope) {
 
 namespace simulator {
 
-HRESULT Register(TRegistrationScope scope, const UnicodeString& dllPath) {
+HRESULT Register(HKEY scope, const UnicodeString& dllPath) {
   if (AnotherFileIsRegistered(dllPath)) return SELFREG_E_CLASS;
   HKEY created = nullptr;
   LSTATUS status = ::RegCreateKeyExW(scope, Wide(KeyPath(kInProcess)), 0, nullptr, 0,
                                      KEY_SET_VALUE | KEY_WOW64_64KEY, nullptr, &created, nullptr);
   const TRegistryKey key(created);
-  // The file last: an entry that was broken off names none and is never used.
+  // The file last: an incomplete entry names none and is never used.
   if (status == ERROR_SUCCESS) status = SetText(key, L"ThreadingModel", u"Apartment");
   if (status == ERROR_SUCCESS) status = SetText(key, nullptr, dllPath);
   return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
 }
 
-HRESULT Unregister(TRegistrationScope scope, const UnicodeString& dllPath) {
+HRESULT Unregister(HKEY scope, const UnicodeString& dllPath) {
   if (EntryOf(scope, kInProcess, RRF_SUBKEY_WOW6464KEY, dllPath) != TEntry::Own) return S_OK;
   const TRegistryKey key =
       OpenKey(scope, kClassKey, KEY_ENUMERATE_SUB_KEYS | KEY_QUERY_VALUE | KEY_SET_VALUE | DELETE);
