@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Desktop.h"
+#include "platform/DesktopWindows.h"
 #include "platform/Text.h"
 
 /// The first top-level window in Z order whose title contains `word` exactly as written; null when there is

@@ -1,6 +1,6 @@
 #include "app/MainDlg.h"
 #include "platform/Dispatch.h"
-#include "platform/EntryPoint.h"
+#include "platform/System.h"
 #include "ui/Application.h"
 
 /// Sets no exit code of its own: the host reads results from the files alone.

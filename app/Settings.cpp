@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "platform/Files.h"
+#include "platform/Profile.h"
 #include "platform/System.h"
 
 namespace {

@@ -6,7 +6,6 @@
 #include "inventor/IndexHint.h"
 #include "inventor/PropertyUpdate.h"
 #include "platform/Dispatch.h"
-#include "platform/EntryPoint.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/Path.h"

@@ -12,8 +12,8 @@
 #include "headless/DialogScreen.h"
 #include "headless/TreeListScreen.h"
 #include "inventor/ApprenticeServer.h"
-#include "platform/EntryPoint.h"
 #include "platform/Files.h"
+#include "platform/System.h"
 #include "simulator/Simulator.h"
 #include "zip/ZipArchive.h"
 

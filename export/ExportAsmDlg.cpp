@@ -6,6 +6,7 @@
 #include "export/WorkingTable.h"
 #include "platform/Files.h"
 #include "platform/Path.h"
+#include "platform/Profile.h"
 #include "platform/System.h"
 #include "ui/Application.h"
 

@@ -4,7 +4,6 @@
 #include "platform/FileOperations.h"
 #include "platform/Files.h"
 #include "platform/Path.h"
-#include "platform/System.h"
 #include "ui/MessageLoop.h"
 
 namespace {

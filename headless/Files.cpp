@@ -13,7 +13,14 @@
 
 #include "headless/Machine.h"
 #include "platform/Error.h"
+#include "platform/FileOperations.h"
 #include "platform/Handle.h"
+#include "platform/System.h"
+
+using headless::Fails;
+using headless::HostPath;
+using headless::Machine;
+using headless::ThrowIfFails;
 
 namespace {
 
@@ -22,7 +29,7 @@ constexpr std::int32_t kInvalidHandle = 6;  // what Windows reports for a read w
 using TDescriptor = TUniqueHandle<int, ::close, -1>;
 
 TDescriptor OpenDescriptor(TextView path, int flags) {
-  TDescriptor descriptor(::open(headless::HostPath(path).c_str(), flags | O_CLOEXEC, 0666));
+  TDescriptor descriptor(::open(HostPath(path).c_str(), flags | O_CLOEXEC, 0666));
   if (!descriptor) throw InputOutputError(errno);
   return descriptor;
 }
@@ -56,31 +63,51 @@ TFolderEntry Entry(int folder, const char* name) {
   return {TextFromUtf8(name), kind, size, LocalTime(status.st_mtime)};
 }
 
+constexpr std::int32_t kFileNotFound = 2;
+
+TextView WithoutDotsAtEnd(TextView name) {
+  const std::size_t last = name.find_last_not_of(u". ");
+  return name.substr(0, last == TextView::npos ? 0 : last + 1);
+}
+
+void Check(const std::error_code& error) {
+  if (error) throw InputOutputError(error.value());
+}
+
 }  // namespace
 
 bool FolderExists(TextView path) {
-  if (headless::Fails("FolderExists")) return false;
+  if (Fails("FolderExists")) return false;
   std::error_code error;
-  return std::filesystem::is_directory(headless::HostPath(path), error);
+  return std::filesystem::is_directory(HostPath(path), error);
 }
 
 bool FileExists(TextView path) {
-  if (headless::Fails("FileExists")) return false;
+  if (Fails("FileExists")) return false;
   std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(headless::HostPath(path), error);
+  const std::filesystem::file_status status = std::filesystem::status(HostPath(path), error);
   return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
 }
 
+UnicodeString TemporaryFolder() {
+  return EnvironmentVariable(u"TEMP") + u"\\";
+}
+
+std::optional<UnicodeString> DesktopFolder() {
+  if (Fails("DesktopFolder")) return std::nullopt;
+  return Machine().DesktopFolder;
+}
+
 bool CreateFolders(TextView path) {
-  if (headless::Fails("CreateFolders")) return false;
+  if (Fails("CreateFolders")) return false;
   std::error_code error;
-  std::filesystem::create_directories(headless::HostPath(path), error);
+  std::filesystem::create_directories(HostPath(path), error);
   return FolderExists(path);
 }
 
 std::vector<TFolderEntry> ListFolder(TextView path) {
-  headless::ThrowIfFails("ListFolder");
-  const std::filesystem::path host = headless::HostPath(path);
+  ThrowIfFails("ListFolder");
+  const std::filesystem::path host = HostPath(path);
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(host.c_str()),
                                                    [](DIR* open) { return ::closedir(open); });
   if (folder == nullptr) throw InputOutputError(errno);
@@ -109,15 +136,15 @@ TInputFile& TInputFile::operator=(TInputFile&&) noexcept = default;
 TInputFile::~TInputFile() = default;
 
 TInputFile TInputFile::Open(TextView path) {
-  if (headless::Fails("Open")) return {};
-  const std::filesystem::path host = headless::HostPath(path);
+  if (Fails("Open")) return {};
+  const std::filesystem::path host = HostPath(path);
   TDescriptor descriptor(::open(host.c_str(), O_RDONLY | O_CLOEXEC));
   if (!descriptor || FolderExists(path)) return {};
   return TInputFile(std::make_unique<TImpl>(TImpl{std::move(descriptor)}));
 }
 
 TInputFile TInputFile::OpenShared(TextView path) {
-  headless::ThrowIfFails("OpenShared");
+  ThrowIfFails("OpenShared");
   TDescriptor descriptor = OpenDescriptor(path, O_RDONLY);
   if (S_ISDIR(Status(descriptor).st_mode)) throw InputOutputError(EISDIR);
   return TInputFile(std::make_unique<TImpl>(TImpl{std::move(descriptor)}));
@@ -128,13 +155,13 @@ TInputFile TInputFile::StandardInput() {
 }
 
 std::size_t TInputFile::Read(std::span<char> buffer) {
-  headless::ThrowIfFails("Read");
+  ThrowIfFails("Read");
   if (fImpl->Descriptor) {
     const ssize_t count = ::read(fImpl->Descriptor.Get(), buffer.data(), buffer.size());
     if (count < 0) throw InputOutputError(errno);
     return static_cast<std::size_t>(count);
   }
-  const std::optional<std::string>& input = headless::Machine().StandardInput;
+  const std::optional<std::string>& input = Machine().StandardInput;
   if (!input) throw InputOutputError(kInvalidHandle);
   const std::size_t count = input->copy(buffer.data(), buffer.size(), fImpl->Position);
   fImpl->Position += count;
@@ -142,7 +169,7 @@ std::size_t TInputFile::Read(std::span<char> buffer) {
 }
 
 TInputFile::TState TInputFile::State() const {
-  headless::ThrowIfFails("State");
+  ThrowIfFails("State");
   const struct stat status = Status(fImpl->Descriptor);
   return {static_cast<std::uint64_t>(status.st_size), LocalTime(status.st_mtime)};
 }
@@ -152,7 +179,7 @@ struct TOutputFile::TImpl {
 };
 
 TOutputFile::TOutputFile(TextView path, TCreate how) : fImpl(std::make_unique<TImpl>()) {
-  headless::ThrowIfFails("Create");
+  ThrowIfFails("Create");
   fImpl->Descriptor = OpenDescriptor(path, O_WRONLY | O_CREAT | (how == TCreate::New ? O_EXCL : O_TRUNC));
 }
 TOutputFile::TOutputFile(TOutputFile&&) noexcept = default;
@@ -160,7 +187,7 @@ TOutputFile& TOutputFile::operator=(TOutputFile&&) noexcept = default;
 TOutputFile::~TOutputFile() = default;
 
 void TOutputFile::Write(std::span<const char> bytes) {
-  headless::ThrowIfFails("Write");
+  ThrowIfFails("Write");
   while (!bytes.empty()) {
     const ssize_t count = ::write(fImpl->Descriptor.Get(), bytes.data(), bytes.size());
     if (count < 0) throw InputOutputError(errno);
@@ -169,7 +196,7 @@ void TOutputFile::Write(std::span<const char> bytes) {
 }
 
 void TOutputFile::WriteAt(std::uint64_t position, std::span<const char> bytes) {
-  headless::ThrowIfFails("WriteAt");
+  ThrowIfFails("WriteAt");
   while (!bytes.empty()) {
     const ssize_t count =
         ::pwrite(fImpl->Descriptor.Get(), bytes.data(), bytes.size(), static_cast<off_t>(position));
@@ -180,6 +207,74 @@ void TOutputFile::WriteAt(std::uint64_t position, std::span<const char> bytes) {
 }
 
 void TOutputFile::Close() {
-  headless::ThrowIfFails("Close");
+  ThrowIfFails("Close");
   if (::close(fImpl->Descriptor.Detach()) != 0) throw InputOutputError(errno);
+}
+
+UnicodeString NormalisedPath(TextView path) {
+  UnicodeString rest(path);
+  std::ranges::replace(rest, u'/', u'\\');
+  if (rest.size() < 2 || rest[1] != u':') rest.insert(0, u"C:\\");
+  std::vector<UnicodeString> names;
+  for (std::size_t begin = 0; begin < rest.size();) {
+    const std::size_t end = std::min(rest.find(u'\\', begin), rest.size());
+    const UnicodeString name = rest.substr(begin, end - begin);
+    begin = end + 1;
+    if (name == u"..") {
+      if (names.size() > 1) names.pop_back();
+    } else if (const TextView kept = WithoutDotsAtEnd(name); !kept.empty()) {
+      names.emplace_back(kept);
+    }
+  }
+  UnicodeString whole;
+  for (const UnicodeString& name : names) whole.append(whole.empty() ? u"" : u"\\").append(name);
+  return whole;
+}
+
+bool IsLink(TextView path) {
+  if (Fails("IsLink")) return false;
+  std::error_code error;
+  return std::filesystem::is_symlink(HostPath(path), error);
+}
+
+bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlock) {
+  if (Fails("CopyFileOver")) return false;
+  std::error_code error;
+  if (IsLink(to)) std::filesystem::remove(HostPath(to), error);
+  onBlock();
+  const std::filesystem::path target = HostPath(to);
+  const auto copy = [&] {
+    return std::filesystem::copy_file(HostPath(from), target,
+                                      std::filesystem::copy_options::overwrite_existing, error);
+  };
+  if (copy()) return true;
+  if (error == std::errc::permission_denied) {
+    std::filesystem::permissions(target, std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add, error);
+    if (copy()) return true;
+  }
+  const bool isFile = std::filesystem::is_regular_file(target, error);
+  if (isFile && TInputFile::Open(from).IsOpen()) std::filesystem::remove(target, error);
+  return false;
+}
+
+void RemoveFile(TextView path) {
+  ThrowIfFails("RemoveFile");
+  std::error_code error;
+  const bool removed = std::filesystem::remove(HostPath(path), error);
+  Check(error);
+  if (!removed) throw InputOutputError(kFileNotFound);
+}
+
+void RenameFile(TextView from, TextView to) {
+  ThrowIfFails("RenameFile");
+  std::error_code error;
+  std::filesystem::rename(HostPath(from), HostPath(to), error);
+  Check(error);
+}
+
+void RemoveFolder(TextView path) noexcept {
+  if (Fails("RemoveFolder")) return;
+  std::error_code error;
+  std::filesystem::remove_all(HostPath(path), error);
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -13,6 +14,12 @@ bool FolderExists(TextView path);
 
 /// False for a folder.
 bool FileExists(TextView path);
+
+/// The folder for short-lived files, with a separator at its end.
+UnicodeString TemporaryFolder();
+
+/// The user's desktop; nothing when the shell cannot tell.
+std::optional<UnicodeString> DesktopFolder();
 
 /// Creates the folder with every missing folder above it. False when it does not exist afterwards.
 bool CreateFolders(TextView path);

@@ -1,9 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 
 #include "platform/Text.h"
+
+// The process, its machine and the clock.
+
+/// The program itself, called by the system's entry point. Returns the exit code.
+int ProgramMain();
 
 /// The process's command line as one text, the program's own name first.
 UnicodeString CommandLine();
@@ -17,22 +21,9 @@ UnicodeString ComputerName();
 /// A clock that only goes forward, in milliseconds; its zero means nothing.
 std::int64_t TickMilliseconds();
 
-/// Waits about so long, also where the system's own clock ticks less often.
+/// Waits for about this time, also where the system's own clock ticks less often.
 void WaitMilliseconds(int milliseconds);
-
-/// The folder for short-lived files, with a separator at its end.
-UnicodeString TemporaryFolder();
-
-/// The user's desktop; nothing when the shell cannot tell.
-std::optional<UnicodeString> DesktopFolder();
 
 /// The system's text for an error code or HRESULT in the user's language, without the line break and blanks
 /// at its end. A code without a text gives "Systemfehler" and its hexadecimal digits.
 UnicodeString SystemErrorText(std::int32_t code);
-
-/// The value of `key` in a profile (INI) file, cut off after 2047 characters. `fallback` stands for a missing
-/// file, section or key, not for an empty value. `file` is a full path.
-UnicodeString ReadProfileText(TextView file, TextView section, TextView key, TextView fallback);
-
-/// Asks the system to let go of its cached copy of a profile file. Neither creates nor changes the file.
-void FlushProfile(TextView file);

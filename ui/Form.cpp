@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "platform/Desktop.h"
+#include "platform/DesktopWindows.h"
 #include "ui/Application.h"
 #include "ui/Controls.h"
 

@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/Desktop.h"
+#include "platform/DesktopWindows.h"
 #include "platform/Geometry.h"
 #include "platform/Text.h"
 

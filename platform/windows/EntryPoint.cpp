@@ -1,4 +1,4 @@
-#include "platform/EntryPoint.h"
+#include "platform/System.h"
 
 #include <windows.h>
 

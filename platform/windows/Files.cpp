@@ -1,6 +1,11 @@
 #include "platform/Files.h"
 
+#include <windows.h>
+
+#include <shlobj.h>
+
 #include <algorithm>
+#include <array>
 #include <limits>
 
 #include "platform/windows/SystemHandles.h"
@@ -62,6 +67,33 @@ bool FolderExists(TextView path) {
 bool FileExists(TextView path) {
   const DWORD attributes = ::GetFileAttributesW(Wide(SystemPath(path)));
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+UnicodeString TemporaryFolder() {
+  UnicodeString folder(::GetTempPathW(0, nullptr), u'\0');  // with the closing zero
+  folder.resize(::GetTempPathW(static_cast<DWORD>(folder.size()), WideBuffer(folder)));
+  return folder;
+}
+
+/// Through the shell's own memory, as its calls for special folders demand. The shell is loaded here and not
+/// with the program, whose other tasks do not need it.
+std::optional<UnicodeString> DesktopFolder() {
+  const HMODULE shell = ::LoadLibraryExW(L"shell32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+  if (shell == nullptr) return std::nullopt;
+  const auto find = [shell]<class TFunction>(const char* name, TFunction*) {
+    return reinterpret_cast<TFunction*>(reinterpret_cast<void*>(::GetProcAddress(shell, name)));
+  };
+  const auto getMalloc = find("SHGetMalloc", &::SHGetMalloc);
+  const auto getLocation = find("SHGetSpecialFolderLocation", &::SHGetSpecialFolderLocation);
+  const auto getPath = find("SHGetPathFromIDListW", &::SHGetPathFromIDListW);
+  TComReference<IMalloc> memory;
+  if (getMalloc == nullptr || FAILED(memory.ReceiveFrom(getMalloc))) return std::nullopt;
+  LPITEMIDLIST item = nullptr;
+  if (getLocation == nullptr || FAILED(getLocation(nullptr, CSIDL_DESKTOP, &item))) return std::nullopt;
+  std::array<wchar_t, MAX_PATH> path{};
+  if (getPath == nullptr || !getPath(item, path.data())) path[0] = L'\0';
+  memory->Free(item);
+  return UnicodeString(FromWide(path.data()));
 }
 
 bool CreateFolders(TextView path) {

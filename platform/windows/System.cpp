@@ -2,16 +2,12 @@
 
 #include <windows.h>
 
-#include <shlobj.h>
-
 #include <array>
 
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 
 namespace {
-
-constexpr std::size_t kLongestProfileValue = 2047;
 
 void TrimEnd(UnicodeString& text) {
   const std::size_t last = text.find_last_not_of(u" \t\r\n");
@@ -66,33 +62,6 @@ void WaitMilliseconds(int milliseconds) {
   }
 }
 
-UnicodeString TemporaryFolder() {
-  UnicodeString folder(::GetTempPathW(0, nullptr), u'\0');  // with the closing zero
-  folder.resize(::GetTempPathW(static_cast<DWORD>(folder.size()), WideBuffer(folder)));
-  return folder;
-}
-
-/// Through the shell's own memory, as its calls for special folders demand. The shell is loaded here and not
-/// with the program, whose other tasks do not need it.
-std::optional<UnicodeString> DesktopFolder() {
-  const HMODULE shell = ::LoadLibraryExW(L"shell32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  if (shell == nullptr) return std::nullopt;
-  const auto find = [shell]<class TFunction>(const char* name, TFunction*) {
-    return reinterpret_cast<TFunction*>(reinterpret_cast<void*>(::GetProcAddress(shell, name)));
-  };
-  const auto getMalloc = find("SHGetMalloc", &::SHGetMalloc);
-  const auto getLocation = find("SHGetSpecialFolderLocation", &::SHGetSpecialFolderLocation);
-  const auto getPath = find("SHGetPathFromIDListW", &::SHGetPathFromIDListW);
-  TComReference<IMalloc> memory;
-  if (getMalloc == nullptr || FAILED(memory.ReceiveFrom(getMalloc))) return std::nullopt;
-  LPITEMIDLIST item = nullptr;
-  if (getLocation == nullptr || FAILED(getLocation(nullptr, CSIDL_DESKTOP, &item))) return std::nullopt;
-  std::array<wchar_t, MAX_PATH> path{};
-  if (getPath == nullptr || !getPath(item, path.data())) path[0] = L'\0';
-  memory->Free(item);
-  return UnicodeString(FromWide(path.data()));
-}
-
 UnicodeString SystemErrorText(std::int32_t code) {
   std::array<wchar_t, 1024> buffer{};
   const DWORD flags =
@@ -102,17 +71,4 @@ UnicodeString SystemErrorText(std::int32_t code) {
   UnicodeString text(FromWide(buffer.data(), length));
   TrimEnd(text);
   return !text.empty() ? text : u"Systemfehler " + HexText(static_cast<std::uint32_t>(code));
-}
-
-UnicodeString ReadProfileText(TextView file, TextView section, TextView key, TextView fallback) {
-  UnicodeString value(kLongestProfileValue + 1, u'\0');
-  const DWORD length = ::GetPrivateProfileStringW(
-      Wide(UnicodeString(section)), Wide(UnicodeString(key)), Wide(UnicodeString(fallback)),
-      WideBuffer(value), static_cast<DWORD>(value.size()), Wide(UnicodeString(file)));
-  value.resize(length);
-  return value;
-}
-
-void FlushProfile(TextView file) {
-  ::WritePrivateProfileStringW(nullptr, nullptr, nullptr, Wide(UnicodeString(file)));
 }

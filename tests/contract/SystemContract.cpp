@@ -1,3 +1,4 @@
+#include "platform/Profile.h"
 #include "platform/System.h"
 
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "platform/EntryPoint.h"
+#include "platform/System.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/Desktop.h"
+#include "platform/DesktopWindows.h"
 
 #include <windows.h>
 

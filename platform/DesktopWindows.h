@@ -5,7 +5,9 @@
 #include "platform/Geometry.h"
 #include "platform/Text.h"
 
-/// A window of the system, of this or another process; it may vanish at any time. Never owned through this.
+// The top-level windows of all programs, and the monitors that they are on.
+
+/// A window of this or another process, never owned through this. It may vanish at any time.
 using TWindowHandle = struct TWindowTag*;
 
 /// The first top-level window in Z order, seen from the top-level window `sibling`; null when there is none.
@@ -20,5 +22,5 @@ std::optional<TRect> WindowRect(TWindowHandle window);
 
 /// The work area (screen without the task bar) of the monitor that is nearest to the window.
 TRect NearestWorkArea(TWindowHandle window);
-/// Dots per inch of the monitor that holds most of `rect` or lies nearest to it.
+/// Dots per inch of the monitor that holds most of `rect` or is nearest to it.
 int DpiAt(const TRect& rect);
