@@ -49,7 +49,7 @@ echo '{"references": ["Deckel.ipt", "Gruppe.iam"]}' >"$bench/original.idw"
 printf '%s\r\n' Bezeichnung Haube INTZUSTAND-EOF b Preis 5 >"$bench/list.txt"
 assemblies=()
 for rows in "${sizes[@]}"; do
-    assemblies+=("$(windowsPath "$("$root/scripts/bench/assembly.py" "$bench/$rows" "$rows")")")
+    assemblies+=("$(windowsPath "$("$root/benchmarks/assembly.py" "$bench/$rows" "$rows")")")
 done
 
 awake=()
