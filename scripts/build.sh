@@ -60,7 +60,10 @@ prepareSqlite() {
     echo "build.sh: building SQLite for Windows"
     rm -rf "$folder"
     mkdir -p "$folder" "$deps/include" "$deps/lib"
-    archive=$folder/$(cd "$folder" && npm pack --silent "$package")
+    if ! archive=$folder/$(cd "$folder" && npm pack --loglevel=error "$package"); then
+        echo "build.sh: npm cannot fetch $package, which brings SQLite's source; what it says is above" >&2
+        return 1
+    fi
     if ! sha256sum --quiet --check <<<"$hash  $archive"; then
         echo "build.sh: the package $package is not the one that was checked" >&2
         return 1
