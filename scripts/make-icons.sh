@@ -4,6 +4,9 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 "$root/scripts/packages.sh" icons
 
+# ImageMagick's own names, of Debian 12 and 13: "convert" may be another program.
+convert=$(command -v convert-im6 convert-im7 | head -n 1)
+
 drawings=$(mktemp -d "$root/resources/.icons.XXXXXX")
 trap 'rm -rf "$drawings"' EXIT
 
@@ -17,8 +20,7 @@ drawIcon() {
         rsvg-convert --width "$size" --height "$size" --output "$image" "$root/resources/$name.svg"
         images+=("$image")
     done
-    # convert-im6: the name that stays ImageMagick's own where another program is called "convert".
-    convert-im6 "${images[@]}" -strip "$root/resources/$name.ico"
+    "$convert" "${images[@]}" -strip "$root/resources/$name.ico"
 }
 
 drawIcon velmora 16 20 24 32 48 64 256

@@ -5,7 +5,7 @@ set -euo pipefail
 packagesFor() {
     case $1 in
         native) echo g++ cmake ninja-build python3 libgtest-dev nlohmann-json3-dev libsqlite3-dev zlib1g-dev ;;
-        fuzz) echo clang libclang-rt-14-dev cmake ninja-build python3 libgtest-dev nlohmann-json3-dev libsqlite3-dev zlib1g-dev ;;
+        fuzz) echo clang libclang-rt-dev cmake ninja-build python3 libgtest-dev nlohmann-json3-dev libsqlite3-dev zlib1g-dev ;;
         bench) echo g++ cmake ninja-build nlohmann-json3-dev libbenchmark-dev libsqlite3-dev zlib1g-dev ;;
         windows) echo g++-mingw-w64-x86-64-posix cmake ninja-build python3 googletest nlohmann-json3-dev npm \
             libz-mingw-w64-dev ;;

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Usage: release.sh   builds build/release/VelmoraInventor-<version>-win64.zip, and its symbols beside it
+# Usage: [VELMORA_SIGN=COMMAND] release.sh   builds build/release/VelmoraInventor-<version>-win64.zip, and its symbols beside it
 #
 # The same sources and packages give the same archive, byte for byte: nothing in it depends on the time, the machine or
-# the folder of the build.
+# the folder of the build. VELMORA_SIGN is a shell command that signs the executable in place; its path is added to it.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -24,6 +24,10 @@ rm -rf "$release"
 mkdir -p "$release/$name"
 cp "$tree/VelmoraInventor.exe" "$release/$name/"
 cp "$tree/VelmoraInventor.debug" "$release/"
+if [ -n "${VELMORA_SIGN:-}" ]; then
+    say "signing"
+    bash -c "$VELMORA_SIGN \"\$1\"" sign "$release/$name/VelmoraInventor.exe"
+fi
 "$root/scripts/check-executable.py" "$release/$name/VelmoraInventor.exe" "$release/VelmoraInventor.debug"
 
 "$root/scripts/release/page.py" "$root/docs/anleitung.md" "$release/$name/Anleitung.html"
