@@ -4,8 +4,15 @@
 add_library(project_options INTERFACE)
 target_include_directories(project_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_features(project_options INTERFACE cxx_std_20)
-target_compile_options(project_options INTERFACE
-  $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow;-Wnon-virtual-dtor;-Werror>)
+# The flags are those of GCC and clang; another compiler configures without them.
+set(gnu_flags OFF)
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT MSVC)
+  set(gnu_flags ON)
+endif()
+if(gnu_flags)
+  target_compile_options(project_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow;-Wnon-virtual-dtor;-Werror>)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # This compiler sees overlaps in the concatenation of strings that are not there (its bug 105651).
   target_compile_options(project_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
@@ -14,16 +21,21 @@ endif()
 if(WIN32)
   target_compile_definitions(project_options INTERFACE
     UNICODE _UNICODE _WIN32_WINNT=0x0A00 NOMINMAX WIN32_LEAN_AND_MEAN)
+endif()
+if(WIN32 AND gnu_flags)
   # Text is char16_t for us and wchar_t for the system, both 16 bits wide: the one helper that turns pointers to
   # the one into pointers to the other needs -fno-strict-aliasing.
   target_compile_options(project_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-fno-strict-aliasing;-fstack-protector-strong;-ffunction-sections;-fdata-sections>)
+  # Made for Windows 10 and later; Windows refuses it on older ones instead of missing a function.
   target_link_options(project_options INTERFACE
     -static -fstack-protector-strong -Wl,--gc-sections -Wl,--no-insert-timestamp
+    -Wl,--major-os-version,10 -Wl,--minor-os-version,0
+    -Wl,--major-subsystem-version,10 -Wl,--minor-subsystem-version,0
     $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELMORA_KEEPS_SYMBOLS>>>:-s>)
 endif()
 
-if(VELMORA_SANITIZE)
+if(VELMORA_SANITIZE AND gnu_flags)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
   target_compile_options(project_options INTERFACE ${sanitizers} -fno-omit-frame-pointer)
   target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
