@@ -114,20 +114,13 @@ TEST_F(ExportRunE2e, PacksEveryExistingFile) {
 }
 
 TEST_F(ExportRunE2e, UserCanRetryAfterFailure) {
-  const std::wstring refused = L"Der Ordner \"" + Path(kStaging) + L"\\\" kann nicht ";
   struct {
     std::wstring LockedFile;  ///< held by the test while the first try fails
-    std::wstring Archive;     ///< of the first try
-    std::wstring Message;     ///< its begin; empty: the system's own
-    bool OldStays;
-    bool StagingStays;
+    bool Begun;               ///< the old archive has gone then, and the staging folder stays
   } const cases[] = {
-      {L"Ziel\\Archiv.zip", L"Ziel\\Archiv.zip", L"", true, false},
-      {kStaging + L"\\Export.html", L"Ziel\\Archiv.zip", L"", false, true},
-      {kStaging + L"\\Rest.txt", L"Ziel\\Archiv.zip", L"", false, true},  // found when it is packed
-      {L"Temp\\x", kStaging + L"\\drin.zip", refused + L"für den Export verwendet werden: Das Archiv", true,
-       true},
-      {kStaging, L"Ziel\\Archiv.zip", refused + L"für den Export verwendet werden: Dort liegt", true, true},
+      {L"Ziel\\Archiv.zip", false},
+      {kStaging + L"\\Export.html", true},
+      {kStaging + L"\\Rest.txt", true},  // found when it is packed
   };
   WriteFile(L"a.ipt", "a");
   const TExport run = StartExport(Path(L""), {L"a.ipt"});
@@ -135,21 +128,19 @@ TEST_F(ExportRunE2e, UserCanRetryAfterFailure) {
     SCOPED_TRACE(testing::Message() << "case " << &test - cases);
     std::filesystem::remove_all(Path(kStaging));
     WriteFile(L"Ziel\\Archiv.zip", "altes Archiv");
-    if (test.StagingStays && test.LockedFile != kStaging) std::filesystem::create_directory(Path(kStaging));
+    if (test.Begun) std::filesystem::create_directory(Path(kStaging));
     {
       const TFileHandle locked = Locked(Path(test.LockedFile));
       ASSERT_TRUE(locked);
-      run.ExportAs(Path(test.Archive));
-      const std::wstring message = run.Program.TextOfClosedBox();
-      EXPECT_EQ(message.substr(0, test.Message.size()), test.Message);
-      EXPECT_FALSE(message.empty());
+      run.ExportAs(Path(L"Ziel\\Archiv.zip"));
+      EXPECT_NE(run.Program.TextOfClosedBox(), L"");
     }
     EXPECT_TRUE(::IsWindowVisible(run.Dialog.Window()));
     run.Dialog.Click(L"Alle Knoten öffnen");
     EXPECT_EQ(run.Dialog.Rows().size(), 2U) << "the tree lives again";
-    EXPECT_EQ(ReadFile(L"Ziel\\Archiv.zip"), test.OldStays ? "altes Archiv" : "");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Path(L"Ziel")), {}), test.OldStays ? 1 : 0);
-    EXPECT_EQ(Exists(kStaging), test.StagingStays);
+    EXPECT_EQ(ReadFile(L"Ziel\\Archiv.zip"), test.Begun ? "" : "altes Archiv");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Path(L"Ziel")), {}), test.Begun ? 0 : 1);
+    EXPECT_EQ(Exists(kStaging), test.Begun);
   }
   std::filesystem::remove_all(Path(kStaging));
   std::array<wchar_t, MAX_PATH> desktop{};

@@ -59,15 +59,10 @@ TEST_F(ExportDialogTest, HiddenFeaturesChangeTheTable) {
                 }
                 return all;
               };
-              form.ASMTreeListColumnHeaderClick(form.ASMTreeListcxDBTreeListColumn3);
-              EXPECT_EQ(values(u"DoCopy"), "1;1;1;1;1;1;") << "another column's header";
               form.ASMTreeListcxDBTreeListColumn4.SetVisible(true);
               TTree::ClickHeader(3);
               EXPECT_EQ(values(u"DoCopy"), "1;0;0;0;0;0;") << "the assembly itself keeps its mark";
               EXPECT_EQ(TTree::Lines().size(), 6U) << "everything is open";
-              TTree::ClickHeader(3);
-              EXPECT_EQ(values(u"DoCopy"), "1;1;1;1;1;1;");
-
               form.nxQuery1.GoTo(2);
               form.ASMFile.SetText(u"Neuer.Name.iam");
               form.SpeedButton1Click();
@@ -76,7 +71,6 @@ TEST_F(ExportDialogTest, HiddenFeaturesChangeTheTable) {
               form.nxQuery1.First();
               form.ASMFile.SetText(u"O'Neil.iam");
               EXPECT_THROW(form.SpeedButton1Click(), EError) << "the name goes into the statement as it is";
-              EXPECT_TRUE(TTree::Lines().empty()) << "the list has let go";
-              TTree::DoubleClick(0);
+              EXPECT_TRUE(TTree::Lines().empty()) << "nothing is bound";
             }});
 }

@@ -64,18 +64,3 @@ TEST_F(PropertyListTest, ReadsRecordsOfTwoLines) {
     EXPECT_EQ(file.NewIndex, test.NewIndex) << test.Bytes;
   }
 }
-
-TEST_F(PropertyListTest, FindsEntriesByTextBeforeAnyEqualSign) {
-  TPropertyList list;
-  list.Append(u"A=B", u"v");
-  list.Append(u"a", u"x");
-  EXPECT_EQ(list.Find(u"a"), 0);
-  EXPECT_EQ(list.Value(u"a"), u"B=v");
-  EXPECT_EQ(list.Value(u"a=b"), u"v");
-  for (const TextView name : {TextView(u"B"), TextView(u"A=B=v"), TextView(), TextView(u"A=B=v=")}) {
-    EXPECT_EQ(list.Find(name), -1);
-    EXPECT_EQ(list.Value(name), u"");
-  }
-  list.Delete(0);
-  EXPECT_EQ(Entries(list), (std::vector<std::string>{"a=x"}));
-}

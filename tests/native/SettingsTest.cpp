@@ -11,19 +11,7 @@ class SettingsTest : public TProgramTest {};
 
 }  // namespace
 
-TEST_F(SettingsTest, ParsesDecimalAndDollarHexadecimal) {
-  const struct {
-    TextView Text;
-    std::int32_t Value;
-  } cases[] = {{u"0", 0},     {u" 7", 7},         {u"-1", -1},    {u"+5", 5},
-               {u"$fF", 255}, {u"$FFFFFFFF", -1}, {u"-$10", -16}, {u"-2147483648", -2147483647 - 1}};
-  for (const auto& test : cases) EXPECT_EQ(IntegerFromText(test.Text), test.Value) << Utf8FromText(test.Text);
-  for (const TextView text : std::initializer_list<TextView>{u"", u"$", u"-", u"1 ", u"0x1", u"nein", u"1,5",
-                                                             u"2147483648", u"$100000000"}) {
-    EXPECT_EQ(IntegerFromText(text), std::nullopt) << Utf8FromText(text);
-  }
-}
-
+// The fuzz target compares the integers with the standard library's reading.
 TEST_F(SettingsTest, ReadsSettings) {
   struct {
     const char* Lines;

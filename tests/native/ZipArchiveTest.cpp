@@ -1,95 +1,28 @@
 #include "zip/ZipArchive.h"
 
 #include <sys/resource.h>
-#include <zlib.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <random>
 
 #include "tests/support/InputOutputCode.h"
+#include "tests/support/PackedData.h"
 #include "tests/support/TestMachine.h"
 #include "zip/ArchiveFile.h"
-#include "zip/PackedStream.h"
 #include "zip/ZipRecords.h"
 
 namespace {
 
-/// Data by a recipe of letters and sizes: r random, t text, z zeros, c columns, b the bytes that stand so far
-/// back once more.
-class TRecipe {
- public:
-  struct TPart {
-    char Kind;
-    std::size_t Size;
-    std::size_t Back = 0;
-  };
-
-  std::string Data(const std::vector<TPart>& parts) {
-    std::string data;
-    for (const TPart& part : parts) {
-      for (std::size_t i = 0; i < part.Size; ++i) data += Next(part, data);
-    }
-    return data;
-  }
-  std::size_t Number(std::size_t below) { return fRandom() % below; }
-
- private:
-  char Next(const TPart& part, const std::string& data) {
-    switch (part.Kind) {
-      case 'r':
-        return static_cast<char>(fRandom());
-      case 't':
-        return "0123456789.,#=()' CARTESIAN_POINT"[fRandom() % 33];
-      case 'b':
-        return data.at(data.size() - part.Back);
-      case 'c':  // columns: sixteen random bytes, sixteen zeros
-        return static_cast<char>(data.size() % 32 < 16 ? fRandom() : 0);
-      default:
-        return '\0';
-    }
-  }
-
-  std::mt19937 fRandom{20240315};
-};
+std::string Data(const std::vector<TDataPart>& parts) {
+  static std::mt19937 random{20240315};
+  std::string data;
+  for (const TDataPart& part : parts) AppendPart(data, part, random);
+  return data;
+}
 
 class ZipArchiveTest : public TMachineTest {
  protected:
-  /// The packed stream of `data`, handed over in blocks of the given size.
-  static std::string Packed(std::string_view data, std::size_t block) {
-    std::filesystem::remove(headless::HostPath(u"C:\\Strom"));
-    TArchiveFile file(u"C:\\Strom");
-    TPackedStream stream(file);
-    const std::string_view another = data.substr(data.size() - std::min<std::size_t>(data.size(), 3000));
-    std::uint64_t begin = 0;
-    for (const std::string_view content : {another, data}) {
-      begin = file.Position();
-      stream.Begin();
-      for (std::size_t i = 0; i < content.size(); i += block) {
-        const std::size_t count = content.copy(stream.Room().data(), block, i);
-        stream.Pack(count);
-      }
-      stream.Finish();
-    }
-    file.Close();
-    return ReadFile(u"C:\\Strom").substr(begin);
-  }
-
-  static std::string Unpacked(std::string packed, std::size_t size) {
-    std::string data(size + 1, '\xAA');
-    z_stream stream{};
-    EXPECT_EQ(inflateInit2(&stream, -MAX_WBITS), Z_OK);
-    stream.next_in = reinterpret_cast<unsigned char*>(packed.data());
-    stream.avail_in = static_cast<uInt>(packed.size());
-    stream.next_out = reinterpret_cast<unsigned char*>(data.data());
-    stream.avail_out = static_cast<uInt>(data.size());
-    EXPECT_EQ(inflate(&stream, Z_FINISH), Z_STREAM_END);
-    EXPECT_EQ(stream.avail_in, 0U) << "nothing stands behind the stream";
-    data.resize(stream.total_out);
-    inflateEnd(&stream);
-    return data;
-  }
-
   /// Compares the archive with a folder in several readers; `names` are its entries in their order.
   static void CheckByReaders(TextView archive, TextView folder, const std::string& names) {
     WriteFile(u"C:\\Namen.txt", names);
@@ -104,7 +37,7 @@ class ZipArchiveTest : public TMachineTest {
 
 TEST_F(ZipArchiveTest, PackedStreamsRoundTrip) {
   struct {
-    std::vector<TRecipe::TPart> Parts;
+    std::vector<TDataPart> Parts;
     std::size_t Most;  ///< bytes of the stream
   } const cases[] = {
       {{}, 2},
@@ -123,12 +56,11 @@ TEST_F(ZipArchiveTest, PackedStreamsRoundTrip) {
       {{{'r', 100'000}, {'z', 3000}, {'r', 100'000}, {'z', 3000}}, 201'500},  // padding between
       {{{'t', 100'000}, {'r', 100}, {'t', 100'000}, {'r', 5000}, {'t', 1}}, 145'000},
   };
-  TRecipe recipe;
   for (const auto& test : cases) {
-    const std::string data = recipe.Data(test.Parts);
+    const std::string data = Data(test.Parts);
     for (const std::size_t block : {1000U, 4096U, 61'440U}) {
       SCOPED_TRACE(testing::Message() << "case " << &test - cases << ", blocks of " << block);
-      const std::string packed = Packed(data, block);
+      const std::string packed = Packed(u"C:\\Strom", data, block);
       EXPECT_TRUE(Unpacked(packed, data.size()) == data);
       if (block < 61'440) continue;
       EXPECT_LE(packed.size(), test.Most);
@@ -137,8 +69,7 @@ TEST_F(ZipArchiveTest, PackedStreamsRoundTrip) {
 }
 
 TEST_F(ZipArchiveTest, IndependentReadersSeeTheFolder) {
-  TRecipe recipe;
-  const std::string mixed = recipe.Data({{'r', 9999}, {'t', 70'000}, {'r', 300'000}, {'z', 5555}});
+  const std::string mixed = Data({{'r', 9999}, {'t', 70'000}, {'r', 300'000}, {'z', 5555}});
   const TextView names[] = {u"&<>\"'%.txt", u"a.ipt",    u"a/b",      u"a/leer/",
                             u"a0",          u"leer.txt", u"Öl ß.idw", u"\U0001F529.ipt"};
   std::string order;
@@ -147,7 +78,7 @@ TEST_F(ZipArchiveTest, IndependentReadersSeeTheFolder) {
     if (name.ends_with(u'/')) {
       std::filesystem::create_directories(headless::HostPath(path));
     } else {
-      WriteFile(path, name == u"leer.txt" ? "" : mixed.substr(recipe.Number(9000)));
+      WriteFile(path, name == u"leer.txt" ? "" : mixed.substr(order.size() * 999));
     }
     order += Utf8FromText(name) + "\n";
   }
@@ -164,8 +95,7 @@ TEST_F(ZipArchiveTest, IndependentReadersSeeTheFolder) {
 }
 
 TEST_F(ZipArchiveTest, FilesMayChangeSizeWhileRead) {
-  TRecipe recipe;
-  const std::string data = recipe.Data({{'r', 400'000}, {'t', 400'000}});
+  const std::string data = Data({{'r', 400'000}, {'t', 400'000}});
   for (const std::size_t size : {300'000U, 900'000U}) {
     WriteFile(u"C:\\Quelle\\a", data);
     const std::filesystem::path host = headless::HostPath(u"C:\\Quelle\\a");
@@ -185,7 +115,7 @@ TEST_F(ZipArchiveTest, FilesMayChangeSizeWhileRead) {
 }
 
 TEST_F(ZipArchiveTest, ErrorsCarrySystemCode) {
-  WriteFile(u"C:\\Quelle\\a", TRecipe().Data({{'r', 900'000}}));
+  WriteFile(u"C:\\Quelle\\a", Data({{'r', 900'000}}));
   TZipArchive archive(u"C:\\Archiv.zip");
   EXPECT_EQ(InputOutputCode([&] { archive.AddFile(u"C:\\Quelle\\fehlt", u"a"); }), 2);
   EXPECT_EQ(InputOutputCode([&] { archive.AddContents(u"C:\\fehlt"); }), 2);
