@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Usage: packages.sh NEED...   installs the Debian packages for native, fuzz, bench, windows, windows-clang, wine, packing, listing, release, format, lint, icons
+# Usage: packages.sh NEED...   installs the Debian packages for native, fuzz, bench, windows, windows-clang, wine, packing, listing, release, fresh, format, lint, icons
 set -euo pipefail
 
 packagesFor() {
@@ -14,6 +14,7 @@ packagesFor() {
         wine) echo wine wine64 fonts-wine xvfb libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 \
             libxrandr2 libxrender1 ;;
         packing) echo python3 time zip unzip p7zip-full libarchive-tools ;;
+        fresh) echo debootstrap git ;;
         format) echo clang-format ;;
         lint) echo clang-tidy ;;
         icons) echo librsvg2-bin imagemagick ;;
