@@ -35,7 +35,7 @@ TDescriptor OpenDescriptor(TextView path, int flags) {
 }
 
 struct stat Status(const TDescriptor& descriptor) {
-  struct stat status {};
+  struct stat status = {};
   if (::fstat(descriptor.Get(), &status) != 0) throw InputOutputError(errno);
   return status;
 }
@@ -54,7 +54,7 @@ TLocalTime LocalTime(std::time_t time) {
 }
 
 TFolderEntry Entry(int folder, const char* name) {
-  struct stat status {};
+  struct stat status = {};
   if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) throw InputOutputError(errno);
   TEntryKind kind = TEntryKind::Other;
   if (S_ISREG(status.st_mode)) kind = TEntryKind::File;

@@ -17,11 +17,14 @@ namespace {
 
 int progress = 0;
 
+int StopLongOnes(void*) {
+  return ++progress > 30 ? 1 : 0;
+}
+
 /// Statements may run for ever, or ask for any amount of memory: that is not what is looked for.
 int LimitConnection(sqlite3* connection, char**, const sqlite3_api_routines*) {
   constexpr int kSteps = 1000;
-  sqlite3_progress_handler(
-      connection, kSteps, [](void*) { return ++progress > 30 ? 1 : 0; }, nullptr);
+  sqlite3_progress_handler(connection, kSteps, StopLongOnes, nullptr);
   sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, 50'000);
   sqlite3_limit(connection, SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 20);
   return SQLITE_OK;
