@@ -27,7 +27,7 @@ std::string Shape(const std::vector<TTreeRow>& rows) {
 }
 
 /// Records 0 (1 (2 3) 4 (5)) 6: what can be seen in one line, open branches with "-", closed ones with "+",
-/// the current row behind ">".
+/// the current row after ">".
 class TreeListModelTest : public testing::Test {
  protected:
   TreeListModelTest() {
