@@ -92,7 +92,10 @@ class TExportDialog {
   HWND List() const { return ::FindWindowExW(Tree(), nullptr, L"SysListView32", nullptr); }
   HWND Button(const wchar_t* text) const { return ::FindWindowExW(fWindow, nullptr, L"Button", text); }
   /// The text beside the tree's small buttons.
-  std::wstring Info() const { return TextOf(::FindWindowExW(Tree(), nullptr, L"Static", nullptr)); }
+  std::wstring Info() const {
+    const HWND listName = ::FindWindowExW(Tree(), nullptr, L"Static", nullptr);
+    return TextOf(::FindWindowExW(Tree(), listName, L"Static", nullptr));
+  }
 
   /// A line of UTF-8 for each row in view: its level, then its cells.
   std::vector<std::string> Rows() const;

@@ -149,14 +149,3 @@ TEST_F(TreeListModelTest, FindsByPrefix) {
     EXPECT_EQ(Seen(), step.Seen) << Utf8FromText(step.Prefix);
   }
 }
-
-TEST_F(TreeListModelTest, MeasuresOnlyVisibleRows) {
-  std::vector<std::size_t> asked;
-  const auto text = [&asked](std::size_t record) {
-    asked.push_back(record);
-    return UnicodeString(record == 1 ? 9 : record, u'x');
-  };
-  EXPECT_EQ(fModel.LongestText(text), u"xxxxxxxxx");
-  EXPECT_EQ(fModel.Depth(), 1);
-  EXPECT_EQ(asked, (std::vector<std::size_t>{0, 1, 4, 6}));
-}
