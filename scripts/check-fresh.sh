@@ -2,8 +2,8 @@
 # Usage: check-fresh.sh [bookworm|trixie] [--remove]   runs the README's two commands on a minimal Debian, as a new user would
 #
 # The Debian is made anew below build/fresh/ and gets this machine's package sources and settings; the checkout in it is
-# a clean clone of the last commit, and the user is not root. All of it runs in a process and mount namespace of its
-# own, so that no process and no mount outlives this script, however it ends. --remove also removes the folder.
+# a clean clone of the last commit, and the user is not root. All of it runs in process and mount namespaces of its own:
+# no process and no mount outlives this script. --remove also removes the folder.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -28,14 +28,22 @@ say() {
     echo "check-fresh.sh: $*"
 }
 
-# inDebian COMMAND...: a command of the new Debian, by root. Its processes end with it or with this script.
+# inDebian COMMAND...: a command of the new Debian, by root. In the background, so that a signal to this script is not
+# kept waiting; the namespace ends with the first process in it, and that one with this script, even if it is killed.
 inDebian() {
     # shellcheck disable=SC2016
-    unshare --mount --pid --fork --kill-child bash -e -c '
+    setpriv --pdeathsig KILL unshare --mount --pid --fork --kill-child bash -e -c '
         mount --rbind /dev "$0/dev"
         mount -t proc proc "$0/proc"
         exec chroot "$0" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"
-    ' "$debian" "$@" </dev/null
+    ' "$debian" "$@" </dev/null &
+    running=$!
+    wait $running
+}
+
+cleanUp() {
+    [ -z "${running:-}" ] || { kill -KILL "$running" 2>/dev/null && wait "$running"; } || true
+    [ -z "$remove" ] || rm -rf "$debian" "$debian.log"
 }
 
 # inCheckout COMMAND: a shell command in the clean clone, by the new user.
@@ -93,15 +101,13 @@ timed() {
     say "$name: $what took $((SECONDS - begin)) s"
 }
 
-trap '[ -z "$remove" ] || rm -rf "$debian" "$debian.log"' EXIT
+trap cleanUp EXIT
 trap 'exit 1' HUP INT TERM
 timed "making the Debian" makeDebian
-packages >"$debian.before"
+before=$(packages)
 timed "scripts/demo.sh" inCheckout scripts/demo.sh
 timed "scripts/test.sh" inCheckout scripts/test.sh
-packages >"$debian.after"
-added=$(comm -13 "$debian.before" "$debian.after")
+added=$(comm -13 <(echo "$before") <(packages))
 say "$name: installed $(wc -l <<<"$added") packages, $(awk '{ sum += $2 } END { printf "%d", sum / 1024 }' <<<"$added") MB:"
 cut -d' ' -f1 <<<"$added" | paste -sd ' '
-rm "$debian.before" "$debian.after"
 say "$name: both commands ended with 0"

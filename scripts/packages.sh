@@ -55,8 +55,8 @@ if [ ${#missing[@]} -eq 0 ]; then
     exit 0
 fi
 
-echo "packages.sh: installing ${missing[*]}"
+echo "packages.sh: installing ${missing[*]} (minutes, on a bare system)"
 asRoot=()
 [ "$(id -u)" -eq 0 ] || asRoot=(sudo)
 "${asRoot[@]}" apt-get update -qq
-"${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null
+"${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null >/dev/null
