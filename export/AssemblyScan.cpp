@@ -5,7 +5,6 @@
 
 #include "export/WorkingTable.h"
 #include "inventor/ApprenticeServer.h"
-#include "platform/Files.h"
 #include "platform/Path.h"
 #include "resources/Icons.h"
 #include "ui/MessageLoop.h"
@@ -38,7 +37,7 @@ void TAssemblyScan::InsertRoot(const UnicodeString& datei) {
     InsertFile(fQuery, {ICON_ASSEMBLY, datei, document.DisplayName(), document.ReferencedFiles().Count(),
                         kRootParent});
     const UnicodeString drawing = ChangeFileExtension(datei, u".idw");
-    if (FileExists(drawing)) {
+    if (fFiles.Exists(drawing)) {
       InsertFile(fQuery, {ICON_DRAWING, drawing, document.DisplayName(), document.ReferencedFiles().Count(),
                           kRootDrawingParent});
     }
@@ -91,5 +90,5 @@ void TAssemblyScan::EnterAssembly(const UnicodeString& file, const UnicodeString
 void TAssemblyScan::EnterDrawing(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
                                  std::int64_t parent) {
   const UnicodeString drawing = ChangeFileExtension(file, u".idw");
-  if (FileExists(drawing)) InsertFile(fQuery, {ICON_DRAWING, drawing, name, index, parent});
+  if (fFiles.Exists(drawing)) InsertFile(fQuery, {ICON_DRAWING, drawing, name, index, parent});
 }

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "database/Query.h"
+#include "platform/ExistingFiles.h"
 #include "platform/Text.h"
 
 /// Fills the working table with the files that an assembly uses, at every depth, and the drawings beside
@@ -10,8 +11,9 @@
 /// the cursor stays the hourglass, and the servers that are open are let go of without being closed.
 class TAssemblyScan {
  public:
-  /// `query` is open on the empty working table and outlives the scan.
-  explicit TAssemblyScan(TQuery& query) : fQuery(query) {}
+  /// `query` is open on the empty working table; `files` says which drawings there are. Both outlive the
+  /// scan.
+  TAssemblyScan(TQuery& query, TExistingFiles& files) : fQuery(query), fFiles(files) {}
 
   // Both are set before the scan begins.
   std::function<void(const UnicodeString& displayName)> OnRootOpened;
@@ -33,4 +35,5 @@ class TAssemblyScan {
                     std::int64_t parent);
 
   TQuery& fQuery;
+  TExistingFiles& fFiles;
 };

@@ -173,7 +173,8 @@ void TfrmExportAsm::FirstOpenAssembly(const UnicodeString& datei) {
   UserN = ComputerName();
   CreateWorkingTable(nxQuery1, UserN);
   DoCopy = true;
-  TAssemblyScan scan(nxQuery1);
+  fFiles = TExistingFiles([] { KeepAlive(); });
+  TAssemblyScan scan(nxQuery1, fFiles);
   scan.OnRootOpened = [this](const UnicodeString& displayName) { SetCaption(Formatted(Hint, displayName)); };
   scan.OnLevelScanned = [this] { ASMTreeListcxDBTreeListColumn1.ApplyBestFit(); };
   scan.FirstOpenAssembly(datei);
@@ -221,7 +222,7 @@ void TfrmExportAsm::ASMTreeListColumnHeaderClick(const TTreeColumn& column) {
 }
 
 UnicodeString TfrmExportAsm::ASMTreeListcxDBTreeListColumn3ValidateDrawValue(const UnicodeString& value) {
-  return FileExists(value) ? u"" : u"Datei nicht gefunden!";
+  return fFiles.Exists(value) ? u"" : u"Datei nicht gefunden!";
 }
 
 /// The name goes into the statement as it is, quotes too: nothing shows this button.

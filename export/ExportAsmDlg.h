@@ -2,6 +2,7 @@
 
 #include "database/Query.h"
 #include "database/Session.h"
+#include "platform/ExistingFiles.h"
 #include "platform/Text.h"
 #include "ui/Controls.h"
 #include "ui/Form.h"
@@ -65,6 +66,7 @@ class TfrmExportAsm : public TForm {
   UnicodeString UserN;     // end of the working table's name
   UnicodeString fAsmFile;  // without folder
   UnicodeString fAsmFullFile;
+  TExistingFiles fFiles;  // as the last scan has seen them
 };
 
 /// The export dialog while it is open.

@@ -33,6 +33,9 @@ class TScopeExit {
 
 }  // namespace
 
+TExportRun::TExportRun(TTreeList& tree, TQuery& files, TProgressBar& bar)
+    : fTree(tree), fFiles(files), fBar(bar), fExisting([] { KeepAlive(); }) {}
+
 void TExportRun::Run(const UnicodeString& archive) {
   const TBusyScope busy;
   SetScreenCursor(TCursor::HourGlass);
@@ -59,18 +62,14 @@ void TExportRun::Run(const UnicodeString& archive) {
   RemoveFolder(folder.substr(0, folder.size() - 1));
 }
 
-void TExportRun::WriteListing(const UnicodeString& path) const {
+void TExportRun::WriteListing(const UnicodeString& path) {
   if (IsLink(path)) RemoveFile(path);
   TOutputFile page(path, TCreate::Replace);
-  // Asked on the first walk alone: asking the disk takes longer than all else here, and the answers of both
-  // walks must be the same.
-  std::vector<bool> missing;
   const auto rows = [&](const TListingVisitor& visit) {
-    std::size_t i = 0;
     fTree.ForEachRow([&](const TTreeListRow& row) {
       KeepAlive();
-      if (i == missing.size()) missing.push_back(!FileExists(row.Texts[2]));
-      visit({row.Level, row.Image, row.Texts[0], row.Texts[1], row.Texts[2], missing[i++]});
+      const bool missing = !fExisting.Exists(row.Texts[2]);
+      visit({row.Level, row.Image, row.Texts[0], row.Texts[1], row.Texts[2], missing});
     });
   };
   WriteHtmlListing(Title, rows, [&page](std::string_view piece) { page.Write(piece); });
@@ -91,7 +90,8 @@ void TExportRun::StageFiles(const UnicodeString& folder) {
     fBar.Repaint();
     WaitMilliseconds(kPause);
     KeepAlive();
-    StageFile(file.AsText(), folder);
+    const UnicodeString name = file.AsText();
+    if (fExisting.Exists(name)) StageFile(name, folder);
   }
 }
 

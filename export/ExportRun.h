@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/Query.h"
+#include "platform/ExistingFiles.h"
 #include "platform/Text.h"
 #include "ui/ProgressBar.h"
 #include "ui/TreeList.h"
@@ -9,7 +10,7 @@
 /// packs them. The export dialog makes it for one click and lends it tree, table and progress bar.
 class TExportRun {
  public:
-  TExportRun(TTreeList& tree, TQuery& files, TProgressBar& bar) : fTree(tree), fFiles(files), fBar(bar) {}
+  TExportRun(TTreeList& tree, TQuery& files, TProgressBar& bar);
 
   // Set before the run.
   UnicodeString AsmFile;  ///< the assembly's file name without its folder; names the staging folder
@@ -20,11 +21,12 @@ class TExportRun {
   void Run(const UnicodeString& archive);
 
  private:
-  void WriteListing(const UnicodeString& path) const;
+  void WriteListing(const UnicodeString& path);
   void StageFiles(const UnicodeString& folder);
   void Pack(const UnicodeString& folder, const UnicodeString& archive);
 
   TTreeList& fTree;
   TQuery& fFiles;
   TProgressBar& fBar;
+  TExistingFiles fExisting;
 };

@@ -66,6 +66,5 @@ TextView StagedName(TextView file) {
 }
 
 void StageFile(TextView file, TextView folder) {
-  if (!FileExists(file)) return;
   CopyFileOver(file, UnicodeString(folder).append(StagedName(file)), [] { KeepAlive(); });
 }

@@ -164,8 +164,6 @@ struct TInputFile::TImpl {
 
 TInputFile::TInputFile() = default;
 TInputFile::TInputFile(std::unique_ptr<TImpl> impl) : fImpl(std::move(impl)) {}
-TInputFile::TInputFile(TInputFile&&) noexcept = default;
-TInputFile& TInputFile::operator=(TInputFile&&) noexcept = default;
 TInputFile::~TInputFile() = default;
 
 TInputFile TInputFile::Open(TextView path) {
@@ -215,8 +213,6 @@ TOutputFile::TOutputFile(TextView path, TCreate how) : fImpl(std::make_unique<TI
   ThrowIfFails("Create");
   fImpl->Descriptor = OpenDescriptor(path, O_WRONLY | O_CREAT | (how == TCreate::New ? O_EXCL : O_TRUNC));
 }
-TOutputFile::TOutputFile(TOutputFile&&) noexcept = default;
-TOutputFile& TOutputFile::operator=(TOutputFile&&) noexcept = default;
 TOutputFile::~TOutputFile() = default;
 
 void TOutputFile::Write(std::span<const char> bytes) {

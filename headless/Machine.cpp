@@ -104,7 +104,7 @@ TDispatch TDispatch::Adopt(TObject* object) noexcept {
 
 TVariant TDispatch::Invoke(std::int32_t id, TInvokeKind kind, std::span<const TVariant> arguments) const {
   if (fObject == nullptr) throw ComponentError(kTypeMismatch);
-  const TDispatch alive = *this;  // the call may let go of the reference that it came through
+  const TDispatch alive = *this;  // the call may release the reference it came through
   try {
     return fObject->Target->Invoke(id, kind, arguments);
   } catch (const EError& error) {

@@ -22,7 +22,7 @@ struct TDesktopWindow {
 };
 
 /// Everything that the program can see of a machine without Windows, and what it did there. Tests fill it in
-/// before they run the program; file names like "C:\Projekt\Teil.ipt" lie below Root (C/Projekt/Teil.ipt).
+/// before they run the program; file names like "C:\Projekt\Teil.ipt" are below Root (C/Projekt/Teil.ipt).
 struct TMachine {
   std::filesystem::path Root;
   UnicodeString CommandLine;
@@ -71,7 +71,7 @@ bool Fails(const char* call);
 /// The same for a call that reports its failure as an error: throws one of the kind InputOutput.
 void ThrowIfFails(const char* call);
 
-/// Where a file name of the program lies on this machine.
+/// Where a file of the program is on this machine.
 std::filesystem::path HostPath(TextView path);
 
 }  // namespace headless

@@ -31,9 +31,9 @@ char16_t Folded(char16_t c) {
 constexpr std::size_t kLongestProfileValue = 2047;
 
 TextView Trimmed(TextView text) {
-  const std::size_t first = text.find_first_not_of(u" \t\r");
+  const std::size_t first = text.find_first_not_of(u" \t");
   if (first == TextView::npos) return {};
-  return text.substr(first, text.find_last_not_of(u" \t\r") - first + 1);
+  return text.substr(first, text.find_last_not_of(u" \t") - first + 1);
 }
 
 TextView Unquoted(TextView value) {
@@ -41,18 +41,26 @@ TextView Unquoted(TextView value) {
   return quoted ? value.substr(1, value.size() - 2) : value;
 }
 
-std::optional<UnicodeString> FindProfileValue(std::istream& file, TextView section, TextView key) {
+/// The name between the brackets of a line that begins a section.
+std::optional<TextView> SectionName(TextView line) {
+  const std::size_t end = line.rfind(u']');
+  if (!line.starts_with(u'[') || end == TextView::npos) return std::nullopt;
+  return Trimmed(line.substr(1, end - 1));
+}
+
+/// A later section of the same name is not looked into.
+std::optional<UnicodeString> FindProfileValue(TextView lines, TextView section, TextView key) {
   bool inSection = false;
-  for (std::string bytes; std::getline(file, bytes);) {
-    const UnicodeString text = TextFromAnsi(bytes);
-    const TextView line = Trimmed(text);
-    if (line.starts_with(u'[')) {
-      inSection = SameText(line.substr(1, line.find(u']') - 1), section);
-      continue;
-    }
+  while (!lines.empty()) {
+    const std::size_t end = std::min(lines.find_first_of(u"\r\n"), lines.size());
+    const TextView line = Trimmed(lines.substr(0, end));
+    lines.remove_prefix(std::min(end + 1, lines.size()));
     const std::size_t equals = line.find(u'=');
-    if (!inSection || line.starts_with(u';') || equals == TextView::npos) continue;
-    if (SameText(Trimmed(line.substr(0, equals)), key)) {
+    if (const auto name = SectionName(line)) {
+      if (inSection) break;
+      inSection = SameText(*name, section);
+    } else if (inSection && equals != TextView::npos && !line.starts_with(u';') &&
+               SameText(Trimmed(line.substr(0, equals)), key)) {
       return UnicodeString(Unquoted(Trimmed(line.substr(equals + 1))));
     }
   }
@@ -119,7 +127,8 @@ UnicodeString SystemErrorText(std::int32_t code) {
 
 UnicodeString ReadProfileText(TextView file, TextView section, TextView key, TextView fallback) {
   std::ifstream stream(headless::HostPath(file), std::ios::binary);
-  UnicodeString value = FindProfileValue(stream, section, key).value_or(UnicodeString(fallback));
+  const std::string bytes(std::istreambuf_iterator<char>(stream), {});
+  UnicodeString value = FindProfileValue(TextFromAnsi(bytes), section, key).value_or(UnicodeString(fallback));
   value.resize(std::min(value.size(), kLongestProfileValue));
   return value;
 }

@@ -69,7 +69,7 @@ bool NamesDevice(TextView name) {
          std::ranges::any_of(kDevices, isDevice);
 }
 
-/// True for a name that may not stand in the listing as it is written here, and exist.
+/// True for a name under which a file may exist that the listing shows under another one, or not at all.
 bool IsListedOtherwise(TextView name) {
   return name.empty() || name.back() == u'.' || name.back() == u' ' || NamesDevice(name) ||
          std::ranges::any_of(name,

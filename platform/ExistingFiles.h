@@ -13,7 +13,7 @@
 class TExistingFiles {
  public:
   /// `onBlock` is called again and again while a folder is listed; it must not throw.
-  explicit TExistingFiles(std::function<void()> onBlock) : fOnBlock(std::move(onBlock)) {}
+  explicit TExistingFiles(std::function<void()> onBlock = [] {}) : fOnBlock(std::move(onBlock)) {}
 
   /// The answer of FileExists. Where a listing cannot tell, FileExists itself is asked: for links, streams,
   /// short names, names that the system changes before it looks for them, and in unreadable folders.

@@ -69,18 +69,18 @@ TListingEnd ListNames(TextView folder, const std::function<bool(TextView name, T
 /// What is in the folder itself, in no order. Throws EError of kind InputOutput with the system's code.
 std::vector<TFolderEntry> ListFolder(TextView path);
 
-/// A file, or the process's standard input, open for reading from front to back. Closes what it opened
+/// A file, or the process's standard input, open for reading from beginning to end. Closes what it opened
 /// itself; standard input stays open.
 class TInputFile {
  public:
   TInputFile();
-  TInputFile(TInputFile&&) noexcept;
-  TInputFile& operator=(TInputFile&&) noexcept;
+  TInputFile(const TInputFile&) = delete;
+  TInputFile& operator=(const TInputFile&) = delete;
   ~TInputFile();
 
   /// Opens `path` for reading while nobody writes to it. Check IsOpen: a failure is not reported here.
   static TInputFile Open(TextView path);
-  /// Opens `path` for reading whoever else writes, renames or removes it meanwhile. Throws EError of kind
+  /// Opens `path` for reading even if others write, rename or remove it meanwhile. Throws EError of kind
   /// InputOutput with the system's code.
   static TInputFile OpenShared(TextView path);
   /// Counts as open even where the process has no standard input; the first read then fails.
@@ -110,14 +110,14 @@ enum class TCreate {
   Replace,  ///< a file that is there already is emptied
 };
 
-/// A file that is written from front to back, with places in it changed afterwards. Where the system can keep
+/// A file that is written from beginning to end and may be patched afterwards. Where the system can keep
 /// others out they may read it meanwhile, nothing else. Every error is an EError of kind InputOutput with the
 /// system's code. A file that is destroyed without Close is closed silently and stays as it is.
 class TOutputFile {
  public:
   TOutputFile(TextView path, TCreate how);
-  TOutputFile(TOutputFile&&) noexcept;
-  TOutputFile& operator=(TOutputFile&&) noexcept;
+  TOutputFile(const TOutputFile&) = delete;
+  TOutputFile& operator=(const TOutputFile&) = delete;
   ~TOutputFile();
 
   /// Writes all of `bytes` at the end.

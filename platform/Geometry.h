@@ -1,6 +1,6 @@
 #pragma once
 
-/// A rectangle in pixels; Right and Bottom lie just outside it.
+/// A rectangle in pixels; Right and Bottom are just outside it.
 struct TRect {
   int Left = 0;
   int Top = 0;
@@ -9,7 +9,6 @@ struct TRect {
 
   int Width() const { return Right - Left; }
   int Height() const { return Bottom - Top; }
-  bool operator==(const TRect&) const = default;
 };
 
 /// Dots per inch at which all sizes are designed.

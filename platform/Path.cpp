@@ -6,7 +6,7 @@ TextView FileExtension(TextView fileName) {
 }
 
 TextView FileNameWithoutFolder(TextView fileName) {
-  // Behind npos begins the whole name.
+  // npos + 1 is the beginning: without a separator it is the whole name.
   return fileName.substr(fileName.find_last_of(u"\\:") + 1);
 }
 

@@ -2,13 +2,13 @@
 
 #include "platform/Text.h"
 
-// File names as the program takes them apart: "\" and ":" separate, nothing else does.
+// Parts of file names: "\" and ":" are the separators, nothing else is.
 
-/// From the last "." to the end, the dot included; empty when no "." stands behind the last separator.
+/// From the last "." to the end, the dot included; empty when there is no "." after the last separator.
 TextView FileExtension(TextView fileName);
 
-/// Everything behind the last separator.
+/// Everything after the last separator.
 TextView FileNameWithoutFolder(TextView fileName);
 
-/// `fileName` with `extension` (dot included) in place of its own, or behind it when it has none.
+/// `fileName` with `extension` (dot included) in place of its own, or after it when it has none.
 UnicodeString ChangeFileExtension(TextView fileName, TextView extension);

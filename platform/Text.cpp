@@ -34,7 +34,7 @@ void AppendUtf8(std::string& bytes, char32_t codePoint) {
   }
 }
 
-/// Reads one code point at `at` and moves behind it; a byte that begins none is passed over alone.
+/// Reads one code point at `at` and moves past it; a byte that begins none is skipped alone.
 char32_t NextFromUtf8(std::string_view bytes, std::size_t& at) {
   const auto byte = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
   const unsigned char lead = byte(at++);

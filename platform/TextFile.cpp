@@ -17,8 +17,8 @@ TInputFile OpenInput(TextView name) {
 
 TTextFile::TTextFile(TextView name) : fFile(OpenInput(name)) {}
 
-/// Makes sure that a byte stands at fNext; false at the end. A Ctrl-Z is never passed, so that a pipe that
-/// stays open behind it does not hold the reader.
+/// Makes sure that there is a byte at fNext; false at the end. A Ctrl-Z is never passed, so that a pipe that
+/// stays open after it does not hold the reader.
 bool TTextFile::Fill() {
   if (fEnded) return false;
   if (fNext == fFilled) {

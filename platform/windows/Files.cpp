@@ -138,7 +138,7 @@ bool RootAnswers(TextView root) {
 UnicodeString UpperFileName(TextView name) {
   UnicodeString upper(name);
   const int size = static_cast<int>(name.size());
-  // Not by any language's rules: those of the file system are what this call follows on its own.
+  // Without a flag for linguistic casing the call follows the file system's rules.
   ::LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, Wide(name.data()), size, WideBuffer(upper), size);
   return upper;
 }
@@ -187,8 +187,6 @@ struct TInputFile::TImpl {
 
 TInputFile::TInputFile() = default;
 TInputFile::TInputFile(std::unique_ptr<TImpl> impl) : fImpl(std::move(impl)) {}
-TInputFile::TInputFile(TInputFile&&) noexcept = default;
-TInputFile& TInputFile::operator=(TInputFile&&) noexcept = default;
 TInputFile::~TInputFile() = default;
 
 TInputFile TInputFile::Open(TextView path) {
@@ -251,8 +249,6 @@ TOutputFile::TOutputFile(TextView path, TCreate how) : fImpl(std::make_unique<TI
                                             FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!fImpl->Handle) throw LastInputOutputError();
 }
-TOutputFile::TOutputFile(TOutputFile&&) noexcept = default;
-TOutputFile& TOutputFile::operator=(TOutputFile&&) noexcept = default;
 TOutputFile::~TOutputFile() = default;
 
 void TOutputFile::Write(std::span<const char> bytes) {

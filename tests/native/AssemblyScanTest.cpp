@@ -42,7 +42,8 @@ class AssemblyScanTest : public TProgramTest {
     StartComponent();
     headless::Machine().Log.clear();
     CreateWorkingTable(fQuery, u"PC-01");
-    TAssemblyScan scan(fQuery);
+    TExistingFiles files;
+    TAssemblyScan scan(fQuery, files);
     scan.OnRootOpened = [](const UnicodeString& text) {
       headless::Machine().Record("root " + Utf8FromText(text));
     };

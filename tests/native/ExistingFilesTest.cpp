@@ -9,7 +9,7 @@ class ExistingFilesTest : public TMachineTest {
   /// How often the system is asked about `rows` rows, spread over `folders` folders below `root`. Only the
   /// first file of each folder of C: is there.
   static std::int64_t Questions(TextView root, int folders, int rows) {
-    TExistingFiles files([] {});
+    TExistingFiles files;
     const std::int64_t before = Machine().CallCount;
     for (int row = 0; row < rows; ++row) {
       UnicodeString path(root);
@@ -43,7 +43,7 @@ TEST_F(ExistingFilesTest, AsksWhereListingCannotTell) {
   std::filesystem::create_symlink("../P", headless::HostPath(u"C:\\P\\zum Ordner"));
   std::filesystem::create_symlink("fehlt", headless::HostPath(u"C:\\P\\ins Leere"));
   for (const char* failing : {"", "ListNames"}) {
-    TExistingFiles files([] {});
+    TExistingFiles files;
     Machine().CallCount = 0;
     Machine().FailCall = *failing == '\0' ? 0 : 6;
     for (int round = 0; round < 3; ++round) {
