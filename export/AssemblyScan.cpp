@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <forward_list>
+#include <string>
+#include <unordered_set>
 
 #include "export/WorkingTable.h"
 #include "inventor/ApprenticeServer.h"
+#include "platform/Error.h"
+#include "platform/FileOperations.h"
 #include "platform/Path.h"
 #include "resources/Icons.h"
 #include "ui/MessageLoop.h"
@@ -20,6 +25,58 @@ bool IsPart(TextView file) {
   };
   return std::ranges::equal(FileExtension(file), TextView(u".IPT"), {}, upper);
 }
+
+TDocument Open(const TApprenticeServer& server, const UnicodeString& datei) {
+  SetScreenCursor(TCursor::HourGlass);
+  return server.OpenDocument(datei);
+}
+
+/// One assembly whose references are being entered, with a server of its own.
+struct TLevel {
+  TLevel(const UnicodeString& datei, std::int64_t parent)
+      : Document(Open(Server, datei)), Parent(parent), Count(Document.ReferencedFiles().Count()) {}
+
+  TApprenticeServer Server;
+  TDocument Document;  // after its server: it goes first
+  std::int64_t Parent;
+  std::int32_t Count;
+  std::int32_t Entered = 0;
+};
+
+/// The same for all spellings of the path of one file.
+std::string FileKey(const UnicodeString& file) {
+  const std::optional<TFileIdentity> identity = IdentityOf(file);
+  if (!identity) return SameTextKey(NormalisedPath(file));
+  return std::to_string(identity->Volume) + ":" + std::to_string(identity->Index);
+}
+
+/// The assemblies from the one that is being read up to the root. Not on the machine's own stack: a chain of
+/// ten thousand would not fit there.
+class TLevels {
+ public:
+  bool Empty() const { return fLevels.empty(); }
+  TLevel& Innermost() { return fLevels.front(); }
+  void Enter(const UnicodeString& datei, std::int64_t parent) {
+    std::string key = FileKey(datei);
+    if (fKeys.contains(key)) {
+      constexpr std::int32_t kCircularDependency = 1059;  // the system's code for it
+      throw EError(TErrorKind::InputOutput, kCircularDependency,
+                   u"Die Datei \"" + datei + u"\" verweist auf sich selbst, auch über andere Dateien.");
+    }
+    fLevels.emplace_front(datei, parent);
+    fKeys.insert(fOrder.emplace_front(std::move(key)));
+  }
+  void Leave() {
+    fLevels.pop_front();
+    fKeys.erase(fOrder.front());
+    fOrder.pop_front();
+  }
+
+ private:
+  std::forward_list<TLevel> fLevels;  // innermost first: they are released in this order, too
+  std::forward_list<std::string> fOrder;
+  std::unordered_set<std::string> fKeys;
+};
 
 }  // namespace
 
@@ -47,28 +104,35 @@ void TAssemblyScan::InsertRoot(const UnicodeString& datei) {
 }
 
 void TAssemblyScan::ScanAssembly(const UnicodeString& datei) {
-  {
-    const TApprenticeServer server;
-    SetScreenCursor(TCursor::HourGlass);
-    const TDocument document = server.OpenDocument(datei);
-    // The row entered last, once for the whole level. Where the root has a drawing beside it, that is the
-    // drawing's: all references of the root then hang under its drawing, as designers are used to.
-    const std::int64_t parent = fQuery.Field(u"AUTOID").AsInteger();
-    const std::int32_t count = document.ReferencedFiles().Count();
-    for (std::int32_t i = 1; i <= count; ++i) {
-      const UnicodeString file = document.ReferencedFiles().Item(i).FullFileName();
-      const UnicodeString name = document.ReferencedFiles().Item(i).DisplayName();
+  TLevels levels;
+  // The row entered last, once for the whole level. Where the root has a drawing beside it, that is the
+  // drawing's: all references of the root then hang under its drawing, as designers are used to.
+  const auto enter = [&](const UnicodeString& assembly) {
+    levels.Enter(assembly, fQuery.Field(u"AUTOID").AsInteger());
+  };
+  enter(datei);
+  while (!levels.Empty()) {
+    TLevel& level = levels.Innermost();
+    if (level.Entered < level.Count) {
+      const std::int32_t i = ++level.Entered;
+      const UnicodeString file = level.Document.ReferencedFiles().Item(i).FullFileName();
+      const UnicodeString name = level.Document.ReferencedFiles().Item(i).DisplayName();
       KeepAlive();
       if (IsPart(file)) {
-        EnterPart(file, name, i, parent);
+        EnterPart(file, name, i, level.Parent);
       } else {
-        EnterAssembly(file, name, i, parent);
+        EnterAssembly(file, name, i, level.Parent);
+        enter(file);
       }
+      continue;
     }
-    server.CloseServer();
+    level.Server.CloseServer();
+    levels.Leave();
+    SetScreenCursor(TCursor::Default);
+    OnLevelScanned();
+    // The level above is still at work.
+    if (!levels.Empty()) SetScreenCursor(TCursor::HourGlass);
   }
-  SetScreenCursor(TCursor::Default);
-  OnLevelScanned();
 }
 
 void TAssemblyScan::EnterPart(const UnicodeString& file, const UnicodeString& name, std::int32_t index,
@@ -82,9 +146,6 @@ void TAssemblyScan::EnterAssembly(const UnicodeString& file, const UnicodeString
                                   std::int64_t parent) {
   EnterDrawing(file, name, index, parent);
   InsertFile(fQuery, {ICON_ASSEMBLY, file, name, index, parent});
-  ScanAssembly(file);
-  // The level below has ended with the default cursor; this one is still at work.
-  SetScreenCursor(TCursor::HourGlass);
 }
 
 void TAssemblyScan::EnterDrawing(const UnicodeString& file, const UnicodeString& name, std::int32_t index,

@@ -3,7 +3,9 @@
 #include "app/MainDlg.h"
 #include "export/AssemblyScan.h"
 #include "export/ExportRun.h"
+#include "export/StagingFolder.h"
 #include "export/WorkingTable.h"
+#include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/Path.h"
 #include "platform/Profile.h"
@@ -157,7 +159,7 @@ void TfrmExportAsm::FormShow() {
 void TfrmExportAsm::FormActivate() {
   const TBusyScope busy;
   ASMTreeList.BeginUpdate();
-  fAsmFile = FileNameWithoutFolder(frmMain->AsmFileName);
+  fAsmFile = StagedName(frmMain->AsmFileName);
   fAsmFullFile = frmMain->AsmFileName;
   FirstOpenAssembly(fAsmFullFile);
   ASMTreeList.EndUpdate();
@@ -170,14 +172,25 @@ void TfrmExportAsm::FormClose() {
 }
 
 void TfrmExportAsm::FirstOpenAssembly(const UnicodeString& datei) {
+  fAssemblyName = fAsmFile;
+  fScanFailure = u"Das Einlesen wurde abgebrochen.";
   UserN = ComputerName();
   CreateWorkingTable(nxQuery1, UserN);
   DoCopy = true;
   fFiles = TExistingFiles([] { KeepAlive(); });
   TAssemblyScan scan(nxQuery1, fFiles);
-  scan.OnRootOpened = [this](const UnicodeString& displayName) { SetCaption(Formatted(Hint, displayName)); };
+  scan.OnRootOpened = [this](const UnicodeString& displayName) {
+    fAssemblyName = displayName;
+    SetCaption(Formatted(Hint, displayName));
+  };
   scan.OnLevelScanned = [this] { ASMTreeListcxDBTreeListColumn1.ApplyBestFit(); };
-  scan.FirstOpenAssembly(datei);
+  try {
+    scan.FirstOpenAssembly(datei);
+  } catch (const EError& error) {
+    fScanFailure = error.Message();
+    throw;
+  }
+  fScanFailure.clear();
 }
 
 void TfrmExportAsm::btnAbbruchClick() {
@@ -195,7 +208,8 @@ void TfrmExportAsm::btnExportClick() {
   if (Application->Terminated() || !SaveDialog.Execute(*this) || Application->Terminated()) return;
   TExportRun run(ASMTreeList, nxQuery1, cxProgressBar);
   run.AsmFile = fAsmFile;
-  run.Title = Caption();
+  run.Title = u"Baugruppe \"" + fAssemblyName + u"\"";
+  if (!fScanFailure.empty()) run.Warning = u"Die Baugruppe wurde unvollständig eingelesen: " + fScanFailure;
   run.Run(SaveDialog.FileName);
   Close();
 }

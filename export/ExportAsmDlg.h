@@ -66,6 +66,8 @@ class TfrmExportAsm : public TForm {
   UnicodeString UserN;     // end of the working table's name
   UnicodeString fAsmFile;  // without folder
   UnicodeString fAsmFullFile;
+  UnicodeString fAssemblyName;  // as the assembly calls itself, or else its file name
+  UnicodeString fScanFailure;   // why the scan has broken off; empty: it came to its end
   TExistingFiles fFiles;  // as the last scan has seen them
 };
 

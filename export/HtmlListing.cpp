@@ -1,10 +1,7 @@
 #include "export/HtmlListing.h"
 
 #include <algorithm>
-#include <array>
-#include <string>
-#include <unordered_map>
-#include <unordered_set>
+#include <utility>
 
 #include "export/ListingParts.h"
 #include "export/StagingFolder.h"
@@ -22,7 +19,7 @@ struct TKind {
   std::string_view Name;
   std::string_view Plural;
 };
-constexpr std::array kKinds = {
+constexpr std::array<TKind, THtmlListing::kKindCount> kKinds = {
     TKind{ICON_PART, "part", "Bauteil", "Bauteile"},
     TKind{ICON_ASSEMBLY, "assembly", "Baugruppe", "Baugruppen"},
     TKind{ICON_DRAWING, "drawing", "Zeichnung", "Zeichnungen"},
@@ -34,169 +31,188 @@ std::size_t KindOf(int image) {
   return found != kKinds.end() ? static_cast<std::size_t>(found - kKinds.begin()) : 0;
 }
 
-/// Controls and non-characters, which may not stand in a page, become U+FFFD.
-UnicodeString Permitted(TextView text) {
-  UnicodeString result(text);
-  char16_t before = u'\0';
-  for (char16_t& c : result) {
-    const char16_t unit = c;
-    const bool control =
-        (c < 0x20 && c != u'\t' && c != u'\n' && c != u'\f' && c != u'\r') || (c >= 0x7F && c < 0xA0);
-    // The last two characters of each plane, and a block of their own.
-    const bool none = c >= 0xFFFE || (c >= 0xFDD0 && c <= 0xFDEF) ||
-                      ((c & 0xFFFE) == 0xDFFE && (before & 0xFC3F) == 0xD83F);
-    if (control || none) c = 0xFFFD;
-    before = unit;
+bool IsAscii(TextView text) {
+  return std::ranges::all_of(text, [](char16_t c) { return c < 0x80; });
+}
+
+/// Equal for names that a folder of the archive cannot hold both. Most names are plain, and asking the locale
+/// for each would take longer than all else here.
+std::string NameKey(TextView name) {
+  if (!IsAscii(name)) return SameTextKey(name);
+  std::string key;
+  for (const char16_t c : name) key += static_cast<char>(c >= u'A' && c <= u'Z' ? c + 0x20 : c);
+  return key;
+}
+
+/// Controls and non-characters may not stand in a page.
+bool IsPermitted(char32_t c) {
+  if (c < 0x20) return c == U'\t' || c == U'\n' || c == U'\f' || c == U'\r';
+  if (c >= 0x7F && c < 0xA0) return false;
+  return (c & 0xFFFE) != 0xFFFE && (c < 0xFDD0 || c > 0xFDEF) && (c < 0xD800 || c > 0xDFFF);
+}
+
+std::string_view Escape(char32_t c) {
+  switch (c) {
+    case U'&':
+      return "&amp;";
+    case U'<':
+      return "&lt;";
+    case U'>':
+      return "&gt;";
+    case U'"':
+      return "&quot;";
+    case U'\'':
+      return "&#39;";
+    default:
+      return {};
   }
+}
+
+void AppendUtf8(std::string& page, char32_t c) {
+  const auto tail = [&page](char32_t bits) { page += static_cast<char>(0x80 | (bits & 0x3F)); };
+  if (c < 0x80) {
+    page += static_cast<char>(c);
+  } else if (c < 0x800) {
+    page += static_cast<char>(0xC0 | c >> 6);
+    tail(c);
+  } else {
+    page += static_cast<char>(c < 0x10000 ? 0xE0 | c >> 12 : 0xF0 | c >> 18);
+    if (c >= 0x10000) tail(c >> 12);
+    tail(c >> 6);
+    tail(c);
+  }
+}
+
+/// What a page cannot hold becomes U+FFFD, lone surrogates too.
+void AppendText(std::string& page, TextView text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char32_t c = text[i];
+    const bool isPair = (c & 0xFC00) == 0xD800 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
+    if (isPair) c = 0x10000 + ((c & 0x3FF) << 10) + (text[++i] & 0x3FF);
+    const std::string_view escape = Escape(c);
+    page += escape;
+    if (escape.empty()) AppendUtf8(page, IsPermitted(c) ? c : 0xFFFD);
+  }
+}
+
+std::string Escaped(TextView text) {
+  std::string result;
+  AppendText(result, text);
   return result;
 }
 
-/// Tells which names in the archive stand under more than one path. Names and paths are compared as SameText
-/// does it.
-class TFileNames {
- public:
-  void Add(TextView path) {
-    const TextView name = StagedName(path);
-    if (name.empty()) return;
-    const auto [known, isNew] = fFirstPaths.try_emplace(SameTextKey(name), path);
-    if (!isNew && !SameText(known->second, path)) fDoubles.insert(known->first);
-  }
-  bool HasSeveralPaths(TextView path) const {
-    return !fDoubles.empty() && fDoubles.contains(SameTextKey(StagedName(path)));
-  }
+std::string_view FateText(TFileFate fate) {
+  return fate == TFileFate::NotFound ? "Datei nicht gefunden!" : "Datei konnte nicht kopiert werden!";
+}
 
- private:
-  std::unordered_map<std::string, UnicodeString> fFirstPaths;
-  std::unordered_set<std::string> fDoubles;
-};
-
-/// What the first walk over the rows finds out.
-struct TOverview {
-  std::array<std::int64_t, kKinds.size()> Counts{};
-  std::int64_t Missing = 0;
-  TFileNames Names;
-
-  void Add(const TListingRow& row) {
-    ++Counts[KindOf(row.Image)];
-    if (row.Missing) ++Missing;
-    Names.Add(row.File);
-  }
-};
+}  // namespace
 
 /// Gathers the page and hands it on in pieces.
-class TPage {
+class THtmlListing::TPage {
  public:
-  explicit TPage(const TListingWriter& write) : fWrite(write) { fPiece.reserve(kPieceSize + kPieceSize / 8); }
+  explicit TPage(const THtmlListing::TWriter& write) : fWrite(write) {
+    fPiece.reserve(kPieceSize + kPieceSize / 2);
+  }
 
   TPage& operator<<(std::string_view markup) {
+    for (; fPiece.size() + markup.size() > kPieceSize; Flush()) {
+      const std::size_t count = kPieceSize - fPiece.size();
+      fPiece += markup.substr(0, count);
+      markup.remove_prefix(count);
+    }
     fPiece += markup;
-    if (fPiece.size() >= kPieceSize) Flush();
     return *this;
   }
-  TPage& operator<<(std::int64_t number) { return *this << std::to_string(number); }
-  TPage& operator<<(TextView text) {
-    for (const char c : Utf8FromText(Permitted(text))) AppendEscaped(c);
-    return *this << std::string_view();
+  TPage& operator<<(std::int64_t number) { return *this << std::string_view(std::to_string(number)); }
+  /// Writes the template up to its next mark, which stands for what comes next.
+  void TemplateUntil(std::string_view mark) {
+    const std::size_t end = fTemplate.find(mark);
+    *this << fTemplate.substr(0, end);
+    fTemplate.remove_prefix(end + mark.size());
   }
+  void TemplateRest() { *this << std::exchange(fTemplate, {}); }
   void Flush() {
     if (!fPiece.empty()) fWrite(fPiece);
     fPiece.clear();
   }
 
  private:
-  void AppendEscaped(char c) {
-    switch (c) {
-      case '&':
-        fPiece += "&amp;";
-        break;
-      case '<':
-        fPiece += "&lt;";
-        break;
-      case '>':
-        fPiece += "&gt;";
-        break;
-      case '"':
-        fPiece += "&quot;";
-        break;
-      case '\'':
-        fPiece += "&#39;";
-        break;
-      default:
-        fPiece += c;
-    }
-  }
-
-  const TListingWriter& fWrite;
+  const THtmlListing::TWriter& fWrite;
   std::string fPiece;
+  std::string_view fTemplate = kListingPage;
 };
 
-/// Writes the page from one of its marks to the next; the marks stand for what this file fills in.
-class TTemplate {
- public:
-  explicit TTemplate(TPage& page) : fPage(page) {}
-  void WriteUntil(std::string_view mark) {
-    const std::size_t end = fRest.find(mark);
-    fPage << fRest.substr(0, end);
-    fRest.remove_prefix(end + mark.size());
+/// Without the quotes and end tags that HTML can do without: there may be a hundred thousand rows.
+void THtmlListing::AddRow(const TListingRow& row) {
+  const std::size_t kind = KindOf(row.Image);
+  const int level = std::max(row.Level, 0);
+  ++fCounts[kind];
+  fMarkup.append("<tr style=--l:").append(std::to_string(level)).append("><td>");
+  AppendText(fMarkup, row.Key);
+  fMarkup.append("<th scope=row><svg role=img aria-label=\"").append(kKinds[kind].Name).append(", Ebene ");
+  fMarkup.append(std::to_string(level + 1)).append("\"><use href=#").append(kKinds[kind].Symbol);
+  fMarkup.append(" /></svg>");
+  AppendText(fMarkup, row.Name);
+  fMarkup += "<td>";
+  AppendText(fMarkup, row.File);
+  if (row.Fate != TFileFate::Packed) {
+    ++fMissing;
+    fMarkup += "<strong><svg aria-hidden=true><use href=#warning /></svg>";
+    fMarkup.append(FateText(row.Fate)).append("</strong>");
   }
-  void WriteRest() { fPage << fRest; }
+  fRows.push_back({fMarkup.size(), NameOf(row.File)});
+}
 
- private:
-  TPage& fPage;
-  std::string_view fRest = kListingPage;
-};
+const THtmlListing::TFileName* THtmlListing::NameOf(TextView path) {
+  const TextView name = StagedName(path);
+  if (name.empty()) return nullptr;
+  const auto [entry, isNew] = fNames.try_emplace(NameKey(name));
+  TFileName& known = entry->second;
+  if (isNew) known.Path = path;
+  if (known.Path != path && !SameText(known.Path, path)) known.HasSeveral = true;
+  return &known;
+}
+
+void THtmlListing::Write(TextView title, TextView warning, const TWriter& write) const {
+  TPage page(write);
+  for (int i = 0; i < 2; ++i) {  // in the page's head and as its heading
+    page.TemplateUntil("@TITLE@");
+    page << Escaped(title);
+  }
+  page.TemplateUntil("@SUMMARY@\n");
+  WriteSummary(page, warning);
+  page.TemplateUntil("@ROWS@\n");
+  WriteRows(page);
+  page.TemplateRest();
+  page.Flush();
+}
 
 /// The counts; the images beside them double as a legend.
-void WriteSummary(TPage& page, const TOverview& overview) {
+void THtmlListing::WriteSummary(TPage& page, TextView warning) const {
+  constexpr std::string_view kWarningSign = "<svg aria-hidden=\"true\"><use href=\"#warning\"/></svg>";
+  if (!warning.empty()) page << "<p><strong>" << kWarningSign << Escaped(warning) << "</strong></p>\n";
   page << "<ul>\n";
   for (std::size_t i = 0; i < kKinds.size(); ++i) {
-    const std::int64_t count = overview.Counts[i];
-    page << "<li><svg aria-hidden=\"true\"><use href=\"#" << kKinds[i].Symbol << "\"/></svg>" << count << " "
-         << (count == 1 ? kKinds[i].Name : kKinds[i].Plural) << "\n";
+    page << "<li><svg aria-hidden=\"true\"><use href=\"#" << kKinds[i].Symbol << "\"/></svg>" << fCounts[i]
+         << " " << (fCounts[i] == 1 ? kKinds[i].Name : kKinds[i].Plural) << "\n";
   }
-  if (overview.Missing == 0) {
-    page << "<li>Keine Datei fehlt\n";
-  } else {
-    page << "<li><strong><svg aria-hidden=\"true\"><use href=\"#warning\"/></svg>" << overview.Missing
-         << (overview.Missing == 1 ? " Datei" : " Dateien") << " nicht gefunden</strong>\n";
+  if (fMissing != 0) {
+    page << "<li><strong>" << kWarningSign << fMissing << (fMissing == 1 ? " Datei fehlt" : " Dateien fehlen")
+         << "</strong>\n";
   }
   page << "</ul>\n";
 }
 
-/// Without the quotes and end tags that HTML can do without: there may be a hundred thousand rows.
-void WriteRow(TPage& page, const TListingRow& row, bool severalPaths) {
-  const TKind& kind = kKinds[KindOf(row.Image)];
-  const std::int64_t level = std::max(row.Level, 0);
-  page << "<tr style=--l:" << level << "><td>" << row.Key << "<th scope=row><svg role=img aria-label=\""
-       << kind.Name << ", Ebene " << level + 1 << "\"><use href=#" << kind.Symbol << " /></svg>" << row.Name
-       << "<td>" << row.File;
-  if (row.Missing) {
-    page << "<strong><svg aria-hidden=true><use href=#warning /></svg>Datei nicht gefunden!</strong>";
+void THtmlListing::WriteRows(TPage& page) const {
+  const std::string_view markup = fMarkup;
+  std::size_t begin = 0;
+  for (std::size_t i = 0; i < fRows.size(); ++i) {
+    if (i % kRowsInBlock == 0) page << "<tbody>\n";
+    page << markup.substr(begin, fRows[i].End - begin);
+    if (fRows[i].Name != nullptr && fRows[i].Name->HasSeveral) {
+      page << "<small>Gleicher Dateiname auch in einem anderen Ordner</small>";
+    }
+    page << "\n";
+    begin = fRows[i].End;
   }
-  if (severalPaths) page << "<small>Gleicher Dateiname auch in einem anderen Ordner</small>";
-  page << "\n";
-}
-
-}  // namespace
-
-void WriteHtmlListing(TextView title, const TListingRows& rows, const TListingWriter& write) {
-  TOverview overview;
-  rows([&overview](const TListingRow& row) { overview.Add(row); });
-
-  TPage page(write);
-  TTemplate frame(page);
-  for (int i = 0; i < 2; ++i) {  // in the page's head and as its heading
-    frame.WriteUntil("@TITLE@");
-    page << title;
-  }
-  frame.WriteUntil("@SUMMARY@\n");
-  WriteSummary(page, overview);
-  frame.WriteUntil("@ROWS@\n");
-  std::size_t count = 0;
-  rows([&](const TListingRow& row) {
-    if (count++ % kRowsInBlock == 0) page << "<tbody>\n";
-    WriteRow(page, row, overview.Names.HasSeveralPaths(row.File));
-  });
-  frame.WriteRest();
-  page.Flush();
 }

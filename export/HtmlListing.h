@@ -1,25 +1,63 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "platform/Text.h"
 
-/// One row of the exported tree as the listing shows it.
-struct TListingRow {
-  int Level = 0;  // 0 is the top
-  int Image = 0;  // ICON_PART, ICON_ASSEMBLY or ICON_DRAWING
-  UnicodeString Key;
-  UnicodeString Name;
-  UnicodeString File;
-  bool Missing = false;
+/// What became of a row's file.
+enum class TFileFate {
+  Packed,
+  NotFound,
+  NotCopied,  ///< it exists, but could not be copied into the archive
 };
 
-using TListingVisitor = std::function<void(const TListingRow&)>;
-/// Shows the visitor each row in the tree's order; must show the same rows when it is called again.
-using TListingRows = std::function<void(const TListingVisitor&)>;
-using TListingWriter = std::function<void(std::string_view)>;
+/// One row of the exported tree as the listing shows it.
+struct TListingRow {
+  int Level = 0;  ///< 0 is the top
+  int Image = 0;  ///< ICON_PART, ICON_ASSEMBLY or ICON_DRAWING
+  TextView Key;
+  TextView Name;
+  TextView File;
+  TFileFate Fate = TFileFate::Packed;
+};
 
-/// Writes the listing, a page of HTML in UTF-8 that needs no other file: `write` gets it piece by piece, some
-/// tens of KiB each. Walks the rows twice and keeps none of them, but one path for each distinct file name.
-void WriteHtmlListing(TextView title, const TListingRows& rows, const TListingWriter& write);
+/// The listing: a page of HTML in UTF-8 that needs no other file. It takes each row once, in the tree's
+/// order, and keeps its markup until the page is written.
+class THtmlListing {
+ public:
+  static constexpr std::size_t kKindCount = 3;
+  using TWriter = std::function<void(std::string_view)>;
+
+  void AddRow(const TListingRow& row);
+  /// `warning` stands at the page's head; empty: there is none. `write` gets the page piece by piece, each at
+  /// most some tens of KiB.
+  void Write(TextView title, TextView warning, const TWriter& write) const;
+
+ private:
+  struct TFileName {
+    UnicodeString Path;       // the first with this name
+    bool HasSeveral = false;  // paths with this name
+  };
+  struct TRow {
+    std::size_t End;        // of its markup
+    const TFileName* Name;  // null: the row names no file
+  };
+
+  class TPage;
+
+  const TFileName* NameOf(TextView path);
+  void WriteSummary(TPage& page, TextView warning) const;
+  void WriteRows(TPage& page) const;
+
+  std::string fMarkup;  // of all rows
+  std::vector<TRow> fRows;
+  std::unordered_map<std::string, TFileName> fNames;
+  std::array<std::int64_t, kKindCount> fCounts{};
+  std::int64_t fMissing = 0;
+};

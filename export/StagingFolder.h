@@ -1,25 +1,46 @@
 #pragma once
 
+#include <optional>
+#include <string>
+#include <unordered_map>
+
 #include "database/Query.h"
+#include "platform/FileOperations.h"
 #include "platform/Text.h"
 
-// The folder in which the files of an archive are gathered. It is removed with all that is in it, so nothing
-// of the user's may ever lie there.
+/// The folder in which the files of an archive are gathered, below the folder for short-lived files and named
+/// like the assembly. It is removed with all that is in it, so nothing of the user's may ever be in it. Made
+/// for one export.
+class TStagingFolder {
+ public:
+  /// `assembly` is a file name without its folder. Touches nothing.
+  explicit TStagingFolder(TextView assembly);
 
-/// The folder for the assembly `fileName`, below the folder for short-lived files, with a separator at its
-/// end.
-UnicodeString StagingFolder(TextView fileName);
+  /// Without a separator at its end.
+  const UnicodeString& Path() const noexcept { return fPath; }
+  /// What the export may wait for files that other programs hold; keeps the window alive.
+  TRetryBudget& Budget() noexcept { return fBudget; }
 
-/// Throws EError of kind InputOutput, with a text for the user, when `folder` must not be used: it is no
-/// child of the folder for short-lived files or a link, or a file of the working table or `archive` lies in
-/// it; also when `archive` is such a file itself, as what has its name is removed. Looks only, and leaves the
-/// query's cursor where it was.
-void CheckStagingFolder(TextView folder, TextView archive, TQuery& files);
+  /// Keeps other exports away from the folder until this object goes, or the process. Throws EError of kind
+  /// InputOutput, with a text for the user, where another export uses the folder, or it must not be used: it
+  /// is no child of the folder for short-lived files or a link, or a file of the working table or `archive`
+  /// is in it; also when `archive` is such a file itself, as what has its name is removed. Touches neither
+  /// folder nor archive, and leaves the query's cursor where it was.
+  void Reserve(TextView archive, TQuery& files);
+  /// What an earlier export has left in it stays. Throws EError of kind InputOutput.
+  void Create() const;
+  /// Copies a file that exists into the folder, over one of its name. False when it cannot be copied.
+  bool Stage(const UnicodeString& file);
+  /// With all that is in it; what cannot be removed stays.
+  void Remove() noexcept { RemoveFolder(fPath, fBudget); }
 
-/// The file's name in the folder: what stands behind the last separator, "/" too, so that nothing in it leads
-/// out of there.
+ private:
+  UnicodeString fPath;
+  TRetryBudget fBudget;
+  std::optional<TLockFile> fLock;
+  std::unordered_map<std::string, UnicodeString> fStaged;  // the source of each name, by its SameTextKey
+};
+
+/// The file's name in the folder: everything after the last separator, "/" too, so that nothing in it leads
+/// out of the folder.
 TextView StagedName(TextView file);
-
-/// Copies the file to the folder, over one of its name. One that is missing or cannot be copied is left out:
-/// the others must not wait for it.
-void StageFile(TextView file, TextView folder);

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -86,6 +87,21 @@ constexpr std::int32_t kFileNotFound = 2;
 TextView WithoutDotsAtEnd(TextView name) {
   const std::size_t last = name.find_last_not_of(u". ");
   return name.substr(0, last == TextView::npos ? 0 : last + 1);
+}
+
+/// Waits while the script says that another program has the file open; false when the budget was too small.
+bool WaitUntilFree(TextView path, TRetryBudget& budget) {
+  const auto& held = Machine().HeldUntil;
+  const auto entry = held.find(path);
+  while (entry != held.end() && Machine().Now < entry->second) {
+    if (!budget.Pause()) return false;
+  }
+  return true;
+}
+
+void CheckFree(TextView path, TRetryBudget& budget) {
+  constexpr std::int32_t kSharingViolation = 32;
+  if (!WaitUntilFree(path, budget)) throw InputOutputError(kSharingViolation);
 }
 
 void Check(const std::error_code& error) {
@@ -235,13 +251,18 @@ void TOutputFile::WriteAt(std::uint64_t position, std::span<const char> bytes) {
   }
 }
 
+void TOutputFile::Sync() {
+  ThrowIfFails("Sync");
+  if (::fsync(fImpl->Descriptor.Get()) != 0) throw InputOutputError(errno);
+}
+
 void TOutputFile::Close() {
   ThrowIfFails("Close");
   if (::close(fImpl->Descriptor.Detach()) != 0) throw InputOutputError(errno);
 }
 
 UnicodeString NormalisedPath(TextView path) {
-  UnicodeString rest(path);
+  UnicodeString rest(path.starts_with(u"\\\\?\\") ? path.substr(4) : path);
   std::ranges::replace(rest, u'/', u'\\');
   if (rest.size() < 2 || rest[1] != u':') rest.insert(0, u"C:\\");
   std::vector<UnicodeString> names;
@@ -260,17 +281,33 @@ UnicodeString NormalisedPath(TextView path) {
   return whole;
 }
 
+UnicodeString ResolvedPath(TextView path) {
+  std::error_code error;
+  const std::filesystem::path resolved = std::filesystem::weakly_canonical(HostPath(path), error);
+  const std::filesystem::path root = std::filesystem::canonical(Machine().Root, error);
+  UnicodeString below = TextFromUtf8(resolved.lexically_relative(root).string());
+  return error ? NormalisedPath(path) : NormalisedPath(below.insert(1, u":"));
+}
+
+std::optional<TFileIdentity> IdentityOf(TextView path) {
+  if (Fails("IdentityOf")) return {};
+  struct stat status {};
+  if (::stat(HostPath(path).c_str(), &status) != 0) return {};
+  return TFileIdentity{status.st_dev, status.st_ino};
+}
+
 bool IsLink(TextView path) {
   if (Fails("IsLink")) return false;
   std::error_code error;
   return std::filesystem::is_symlink(HostPath(path), error);
 }
 
-bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlock) {
-  if (Fails("CopyFileOver")) return false;
+bool CopyFileOver(TextView from, TextView to, TRetryBudget& budget) {
+  if (Fails("CopyFileOver") || !TInputFile::Open(from).IsOpen()) return false;
+  if (!WaitUntilFree(to, budget)) return false;
   std::error_code error;
   if (IsLink(to)) std::filesystem::remove(HostPath(to), error);
-  onBlock();
+  budget.KeepAlive();
   const std::filesystem::path target = HostPath(to);
   const auto copy = [&] {
     return std::filesystem::copy_file(HostPath(from), target,
@@ -287,23 +324,43 @@ bool CopyFileOver(TextView from, TextView to, const std::function<void()>& onBlo
   return false;
 }
 
-void RemoveFile(TextView path) {
+void RemoveFile(TextView path, TRetryBudget& budget) {
   ThrowIfFails("RemoveFile");
+  CheckFree(path, budget);
   std::error_code error;
   const bool removed = std::filesystem::remove(HostPath(path), error);
   Check(error);
   if (!removed) throw InputOutputError(kFileNotFound);
 }
 
-void RenameFile(TextView from, TextView to) {
+void RenameFile(TextView from, TextView to, TRetryBudget& budget) {
   ThrowIfFails("RenameFile");
+  CheckFree(from, budget);
   std::error_code error;
   std::filesystem::rename(HostPath(from), HostPath(to), error);
   Check(error);
 }
 
-void RemoveFolder(TextView path) noexcept {
+void RemoveFolder(TextView path, TRetryBudget& budget) noexcept {
   if (Fails("RemoveFolder")) return;
+  budget.KeepAlive();
   std::error_code error;
   std::filesystem::remove_all(HostPath(path), error);
 }
+
+struct TLockFile::TImpl {
+  std::filesystem::path Path;
+  TDescriptor Descriptor;
+  ~TImpl() { ::unlink(Path.c_str()); }
+};
+
+TLockFile::TLockFile(TextView path) {
+  ThrowIfFails("Lock");
+  const std::filesystem::path host = HostPath(path);
+  TDescriptor descriptor(::open(host.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  if (!descriptor) throw InputOutputError(errno);
+  if (::flock(descriptor.Get(), LOCK_EX | LOCK_NB) != 0) return;
+  fImpl.reset(new TImpl{host, std::move(descriptor)});
+}
+
+TLockFile::~TLockFile() = default;

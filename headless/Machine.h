@@ -50,6 +50,8 @@ struct TMachine {
   /// For each save dialog in turn: the name that the user chooses; nothing, or a deque that has run out: he
   /// cancels.
   std::deque<std::optional<UnicodeString>> SaveAnswers;
+  /// Files that another program has open, and until when: no removing, renaming, copying over them.
+  std::map<UnicodeString, std::int64_t, std::less<>> HeldUntil;
   /// What the user does while a dialog is open, one after the other.
   std::deque<std::function<void()>> UserActions;
 

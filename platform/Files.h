@@ -124,6 +124,8 @@ class TOutputFile {
   void Write(std::span<const char> bytes);
   /// Overwrites what is at `position`; all of it must be before the end.
   void WriteAt(std::uint64_t position, std::span<const char> bytes);
+  /// Returns when all that was written is on the disk itself.
+  void Sync();
   /// Some file systems report only here that the data could not be kept. No other call is allowed afterwards.
   void Close();
 

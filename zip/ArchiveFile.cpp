@@ -35,6 +35,7 @@ std::span<char> TArchiveFile::Room() {
 
 void TArchiveFile::Close() {
   Flush();
+  fFile.Sync();
   fFile.Close();
 }
 

@@ -23,6 +23,7 @@ class TArchiveFile {
   /// Free space to write into, never empty; Advance tells how much of it was used. Valid until the next call.
   std::span<char> Room();
   void Advance(std::size_t count) noexcept { fUsed += count; }
+  /// Returns when all is on the disk itself: a power cut must not leave a torn archive under a good name.
   void Close();
 
  private:

@@ -1,10 +1,16 @@
 #include "zip/UnfinishedArchive.h"
 
+#include <utility>
+
+#include "platform/Error.h"
 #include "platform/FileOperations.h"
 #include "platform/Files.h"
 #include "platform/Path.h"
 
 namespace {
+
+constexpr int kRemovalMilliseconds = 2'000;
+constexpr int kRenamingMilliseconds = 30'000;
 
 /// A short name, so that it fits wherever the archive's own does. A program that was killed may have left
 /// some of them.
@@ -23,12 +29,20 @@ TUnfinishedArchive::TUnfinishedArchive(TextView target) : fTarget(target), fPath
 TUnfinishedArchive::~TUnfinishedArchive() {
   if (fPath.empty()) return;
   try {
-    if (FileExists(fPath)) RemoveFile(fPath);
+    TRetryBudget budget(kRemovalMilliseconds);
+    if (FileExists(fPath)) RemoveFile(fPath, budget);
   } catch (...) {  // The error that ended the export is the one to be shown.
   }
 }
 
-void TUnfinishedArchive::Finish() {
-  RenameFile(fPath, fTarget);
-  fPath.clear();
+void TUnfinishedArchive::Finish(const std::function<void()>& keepAlive) {
+  const UnicodeString finished = std::exchange(fPath, {});
+  TRetryBudget budget(kRenamingMilliseconds, keepAlive);
+  try {
+    RenameFile(finished, fTarget, budget);
+  } catch (const EError& error) {
+    throw EError(error.Kind(), error.Code(),
+                 u"Das Archiv ist vollständig, kann aber seinen Namen \"" + fTarget + u"\" nicht erhalten: " +
+                     error.Message() + u". Es liegt unter \"" + finished + u"\".");
+  }
 }

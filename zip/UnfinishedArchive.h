@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "platform/Text.h"
 
 /// The file of an archive that is being written, beside its target under another name: it gets the target's
@@ -14,9 +16,10 @@ class TUnfinishedArchive {
 
   /// Where the archive is to be written.
   const UnicodeString& Path() const noexcept { return fPath; }
-  /// Gives the closed file the target's name, in place of a file that has it. Throws EError of kind
-  /// InputOutput.
-  void Finish();
+  /// Gives the closed file the target's name, in place of a file that has it. Where a scanner or a backup has
+  /// the new file open it is waited for, up to half a minute, with calls of `keepAlive`. Throws EError of
+  /// kind InputOutput; the complete archive then stays, and the message says where.
+  void Finish(const std::function<void()>& keepAlive);
 
  private:
   UnicodeString fTarget;

@@ -260,6 +260,10 @@ void TOutputFile::WriteAt(std::uint64_t position, std::span<const char> bytes) {
   fImpl->Write(position, bytes);
 }
 
+void TOutputFile::Sync() {
+  if (!::FlushFileBuffers(fImpl->Handle.Get())) throw LastInputOutputError();
+}
+
 void TOutputFile::Close() {
   if (!CloseChecked(fImpl->Handle)) throw LastInputOutputError();
 }

@@ -33,7 +33,8 @@ void Store(const UnicodeString& path, const std::string& bytes) {
     TOutputFile file(temporary, TCreate::Replace);
     file.Write(bytes);
     file.Close();
-    RenameFile(temporary, path);
+    TRetryBudget budget(2'000);
+    RenameFile(temporary, path, budget);
   } catch (const EError&) {
     ::DeleteFileW(Wide(temporary));
     throw;

@@ -21,6 +21,7 @@ TEST(FileOperationsContract, NormalisesPaths) {
       {u"C:\\P\\...\\", u"C:\\P"},
       {u"C:\\P\\q. .", u"C:\\P\\q"},
       {u"C:\\P\\q~1\\x:y", u"C:\\P\\q~1\\x:y"},  // no short name of anything
+      {u"\\\\?\\C:\\P\\q", u"C:\\P\\q"},
   };
   for (const auto& test : cases) {
     EXPECT_EQ(Utf8FromText(NormalisedPath(test.Path)), Utf8FromText(test.Normalised));
@@ -37,7 +38,8 @@ TEST(FileOperationsContract, CopiesRenamesAndRemoves) {
     bytes.resize(FileExists(path(name)) ? TInputFile::OpenShared(path(name)).Read(bytes) : 0);
     return bytes;
   };
-  RemoveFolder(folder);
+  TRetryBudget budget(2'000);
+  RemoveFolder(folder, budget);
   const UnicodeString deep = UnicodeString(120, u'e') + u"\\" + UnicodeString(120, u'ü');
   for (const TextView name : {TextView(deep), TextView(u"Ordner")}) ASSERT_TRUE(CreateFolders(path(name)));
   TOutputFile(path(u"lang"), TCreate::New).Write(std::string("ein längerer Inhalt als der neue"));
@@ -57,19 +59,47 @@ TEST(FileOperationsContract, CopiesRenamesAndRemoves) {
       {u"b", u"Ordner", false, ""},
   };
   for (const auto& test : copies) {
-    EXPECT_EQ(CopyFileOver(path(test.From), path(test.To), [] {}), test.Copied) << Utf8FromText(test.To);
+    EXPECT_EQ(CopyFileOver(path(test.From), path(test.To), budget), test.Copied) << Utf8FromText(test.To);
     EXPECT_EQ(read(test.To), test.Content) << Utf8FromText(test.To);
   }
   EXPECT_FALSE(IsLink(path(u"b")) || IsLink(path(u"Ordner")) || IsLink(path(u"fehlt")));
 
-  EXPECT_THROW(RenameFile(path(u"fehlt"), path(u"b")), EError);
-  EXPECT_THROW(RenameFile(path(u"b"), path(u"fehlt\\b")), EError);
-  EXPECT_THROW(RenameFile(path(u"b"), path(u"Ordner")), EError);
+  EXPECT_THROW(RenameFile(path(u"fehlt"), path(u"b"), budget), EError);
+  EXPECT_THROW(RenameFile(path(u"b"), path(u"fehlt\\b"), budget), EError);
+  EXPECT_THROW(RenameFile(path(u"b"), path(u"Ordner"), budget), EError);
   TOutputFile(path(u"c"), TCreate::New).Write(std::string("c"));
-  RenameFile(path(u"c"), path(u"b"));
+  RenameFile(path(u"c"), path(u"b"), budget);
   EXPECT_EQ(read(u"b"), "c");
-  RemoveFile(path(u"b"));
-  EXPECT_THROW(RemoveFile(path(u"b")), EError);
-  RemoveFolder(folder);
+  RemoveFile(path(u"b"), budget);
+  EXPECT_THROW(RemoveFile(path(u"b"), budget), EError);
+  RemoveFolder(folder, budget);
   EXPECT_FALSE(FolderExists(folder));
+}
+
+TEST(FileOperationsContract, IdentifiesFiles) {
+  const UnicodeString folder = EnvironmentVariable(u"TEMP") + u"\\Kennung";
+  TRetryBudget budget(0);
+  ASSERT_TRUE(CreateFolders(folder));
+  const auto identity = [&folder](TextView name) { return IdentityOf((folder + u"\\").append(name)); };
+  for (const TextView name : {u"a", u"b"})
+    TOutputFile((folder + u"\\").append(name), TCreate::Replace).Close();
+  EXPECT_TRUE(identity(u"a") && identity(u"b") && identity(u"."));
+  EXPECT_EQ(identity(u"a"), identity(u"..\\Kennung\\a"));
+  EXPECT_NE(identity(u"a"), identity(u"b"));
+  EXPECT_NE(identity(u"a"), identity(u"."));
+  EXPECT_EQ(identity(u"c"), std::nullopt);
+  EXPECT_TRUE(SameText(ResolvedPath(folder + u"\\..\\Kennung\\c\\d"), ResolvedPath(folder) + u"\\c\\d"));
+  RemoveFolder(folder, budget);
+}
+
+TEST(FileOperationsContract, OneProcessHoldsALock) {
+  const UnicodeString path = EnvironmentVariable(u"TEMP") + u"\\Sperre";
+  for (int i = 0; i < 2; ++i) {
+    const TLockFile lock(path);
+    EXPECT_TRUE(lock.IsHeld());
+    EXPECT_FALSE(TLockFile(path).IsHeld());
+    EXPECT_TRUE(FileExists(path));
+  }
+  EXPECT_FALSE(FileExists(path));
+  EXPECT_THROW(TLockFile(path + u"\\x"), EError);
 }

@@ -17,6 +17,18 @@ TFileHandle Locked(const std::wstring& path) {
   return TFileHandle(::CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_ALWAYS, 0, nullptr));
 }
 
+/// The path by another drive letter, where there is one: Wine shows its drives below Z: as well.
+std::wstring ByOtherDrive(const std::wstring& path) {
+  using TUnixName = char*(__cdecl*)(const wchar_t*);
+  const auto unixName = reinterpret_cast<TUnixName>(reinterpret_cast<void*>(
+      ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+  char* const name = unixName != nullptr ? unixName(path.c_str()) : nullptr;
+  if (name == nullptr) return path;
+  const std::wstring other = Wide(TextFromUtf8("Z:" + std::string(name)));
+  ::HeapFree(::GetProcessHeap(), 0, name);
+  return std::filesystem::path(other).make_preferred().wstring();
+}
+
 /// A run of the program whose user exports.
 class TExport {
  public:
@@ -43,6 +55,10 @@ class TExport {
 
 class ExportRunE2e : public EndToEnd {
  protected:
+  /// The begin of the message about the staging folder.
+  std::wstring FolderRefused() const {
+    return L"Der Ordner \"" + Path(kStaging) + L"\" kann nicht für den Export verwendet werden: ";
+  }
   ExportRunE2e() {
     std::filesystem::create_directories(Path(L"Temp"));
     std::filesystem::create_directories(Path(L"Ziel"));
@@ -142,6 +158,13 @@ TEST_F(ExportRunE2e, UserCanRetryAfterFailure) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Path(L"Ziel")), {}), test.Begun ? 0 : 1);
     EXPECT_EQ(Exists(kStaging), test.Begun);
   }
+  for (const std::wstring& archive :
+       {ByOtherDrive(Path(L"a.ipt")), ByOtherDrive(Path(kStaging) + L"\\x.zip")}) {
+    run.ExportAs(archive);
+    EXPECT_TRUE(run.Program.TextOfClosedBox().starts_with(L"Das Archiv kann nicht unter "))
+        << archive.c_str();
+  }
+  EXPECT_EQ(ReadFile(L"a.ipt"), "a");
   std::filesystem::remove_all(Path(kStaging));
   std::array<wchar_t, MAX_PATH> desktop{};
   ::SHGetFolderPathW(nullptr, CSIDL_DESKTOPDIRECTORY, nullptr, SHGFP_TYPE_CURRENT, desktop.data());
@@ -174,6 +197,12 @@ TEST_F(ExportRunE2e, KilledExportLeavesNoPartialArchive) {
     TFileHandle scanner;
     ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(scanner = opens(GENERIC_READ)); }));
     ASSERT_TRUE(WaitUntil([&] { return static_cast<bool>(opens(GENERIC_WRITE)); }));
+    // Meanwhile nobody else exports an assembly of this name.
+    WriteFile(L"Ziel\\Zweites.zip", "altes Archiv");
+    const TExport second = StartExport(Path(L""), {L"groß.ipt"});
+    second.ExportAs(Path(L"Ziel\\Zweites.zip"));
+    EXPECT_EQ(second.Program.TextOfClosedBox(), FolderRefused() + L"Ein anderer Export benutzt ihn gerade.");
+    EXPECT_EQ(ReadFile(L"Ziel\\Zweites.zip"), "altes Archiv");
   }
   ExpectExported(run, Path(L"Ziel\\Archiv.zip"));
 }

@@ -4,6 +4,7 @@
 #include "export/HtmlListing.h"
 
 #include <algorithm>
+#include <deque>
 #include <string>
 
 #include "tests/fuzz/Fuzz.h"
@@ -11,10 +12,10 @@
 namespace {
 
 std::string Listing(TextView title, const std::vector<TListingRow>& rows) {
+  THtmlListing listing;
+  for (const TListingRow& row : rows) listing.AddRow(row);
   std::string page;
-  WriteHtmlListing(
-      title, [&rows](const TListingVisitor& visit) { std::ranges::for_each(rows, visit); },
-      [&page](std::string_view piece) { page += piece; });
+  listing.Write(title, UnicodeString(title) + u"!", [&page](std::string_view piece) { page += piece; });
   return page;
 }
 
@@ -32,11 +33,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   for (const std::string_view text : fuzz::Split(fuzz::Bytes(data, size), '\xFE'))
     texts.push_back(fuzz::AnyText(text));
   std::vector<TListingRow> rows, plain;
+  std::deque<UnicodeString> files;
   for (std::size_t i = 4; i < texts.size(); i += 4) {
     const int kind = texts[i - 3].empty() ? 0 : texts[i - 3].front();
-    const UnicodeString file = u"\\" + DecimalText(static_cast<std::int64_t>(i));
-    rows.push_back({kind / 8, kind % 4, texts[i - 2], texts[i - 1], texts[i] + file, kind % 8 >= 4});
-    plain.push_back({kind / 8, kind % 4, u"", u"", file, kind % 8 >= 4});
+    const TFileFate fate = kind % 8 >= 4 ? TFileFate::NotFound : TFileFate::Packed;
+    const UnicodeString& file = files.emplace_back(u"\\" + DecimalText(static_cast<std::int64_t>(i)));
+    const UnicodeString& path = files.emplace_back(texts[i] + file);
+    rows.push_back({kind / 8, kind % 4, texts[i - 2], texts[i - 1], path, fate});
+    plain.push_back({kind / 8, kind % 4, u"", u"", file, fate});
   }
   const std::string page = Listing(texts.front(), rows);
   fuzz::Require(Utf8FromText(TextFromUtf8(page)) == page, "the page is UTF-8");

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/FileOperations.h"
 #include "platform/Files.h"
 #include "tests/support/ExportTest.h"
 
@@ -62,8 +63,8 @@ TEST_F(ExportRunTest, PacksEveryExistingFile) {
           "save dialog \"Baugruppe exportieren nach\" C:\\Users\\Größe\\Desktop | g.zip | Zipdatei=.zip | "
           "zip"));
   EXPECT_EQ(Archive(u"C:\\Ziel\\Archiv.zip"),
-            "Export.html=Baugruppe&quot;Getriebe&quot;exportieren3Bauteile2Baugruppen1Zeichnung"
-            "1Dateinichtgefunden*BezeichnungDatei1GetriebeC:\\P\\g.iam2GetriebeC:\\P\\g.idw3u.iamC:\\P\\u.iam"
+            "Export.html=Baugruppe&quot;Getriebe&quot;3Bauteile2Baugruppen1Zeichnung1Dateifehlt*"
+            "BezeichnungDatei1GetriebeC:\\P\\g.iam2GetriebeC:\\P\\g.idw3u.iamC:\\P\\u.iam"
             "4a.iptC:\\P\\a.iptGleicherDateinameauchineinemanderenOrdner5fehlt.iptC:\\P\\fehlt.ipt"
             "Dateinichtgefunden!6a.iptC:/P/q/a.iptGleicherDateinameauchineinemanderenOrdner "
             "Rest/übrig.txt=Rest a.ipt=zweite g.iam={\"disp g.idw={} u.iam={\"refe");
@@ -83,24 +84,37 @@ TEST_F(ExportRunTest, RefusedExportsChangeNothing) {
   WriteFile(u"C:\\Temp\\x.iam\\x.iam", R"({"references": []})");
   WriteFile(u"C:\\Temp\\y.iam", "kein Ordner");
   WriteFile(u"C:\\Q\\y.iam", "{}");
+  WriteFile(u"C:\\P\\x.iam", "{}");
   std::filesystem::create_directory_symlink(headless::HostPath(u"C:\\P"),
                                             headless::HostPath(u"C:\\Temp\\leer.iam"));
+  // Other spellings of folders and files that exist.
+  for (const char* target : {"P", "Temp/x.iam"}) {
+    std::filesystem::create_directory_symlink(
+        headless::HostPath(u"C:\\") / target,
+        headless::HostPath(u"C:\\Verweis-" + TextFromUtf8(target).substr(0, 1)));
+  }
+  const TLockFile other(u"C:\\Temp\\u.iam~Export.tmp");
   struct {
     TextView Assembly;
     TextView Archive;
     std::string Message;  ///< a part of it
   } const cases[] = {
       {u"C:\\P\\g.iam", u"C:\\gibt\\es\\nicht.zip", "Datei nicht gefunden"},
-      {u"C:\\P\\g.iam", u"C:\\TEMP\\G.IAM\\drin.zip", "Das Archiv soll darin liegen."},
+      {u"C:\\P\\g.iam", u"C:\\TEMP\\G.IAM\\drin.zip",
+       "Das Archiv kann nicht unter \"C:\\TEMP\\G.IAM\\drin.zip\" gespeichert werden: In diesem Ordner"},
       {u"C:\\Temp\\x.iam\\x.iam", u"C:\\Ziel.zip", "Die Datei \"C:\\Temp\\x.iam\\x.iam\" liegt darin."},
-      {u"C:\\P\\g.iam", u"C:/P/A.ipt", "Das Archiv würde die Datei \"C:\\P\\a.ipt\" ersetzen."},
+      {u"C:\\Verweis-T\\x.iam", u"C:\\Ziel.zip", "Die Datei \"C:\\Verweis-T\\x.iam\" liegt darin."},
+      {u"C:\\P\\x.iam", u"C:\\Verweis-T\\q.zip", "In diesem Ordner werden die Dateien"},
+      {u"C:\\P\\g.iam", u"C:/P/A.ipt", "Es würde die Datei \"C:\\P\\a.ipt\" ersetzen."},
+      {u"C:\\P\\g.iam", u"C:\\Verweis-P\\a.ipt", "Es würde die Datei \"C:\\P\\a.ipt\" ersetzen."},
       {u"C:\\leer.iam", u"C:\\Ziel.zip", "Er ist eine Verknüpfung."},
       {u"C:\\Q\\y.iam", u"C:\\Ziel.zip", "Dort liegt eine Datei."},
-      {u"C:/P/g.iam", u"C:\\Ziel.zip", "Er liegt nicht unmittelbar im temporären Ordner."},
+      {u"C:\\P\\..", u"C:\\Ziel.zip", "Er liegt nicht unmittelbar im temporären Ordner."},
+      {u"C:\\P\\u.iam", u"C:\\Ziel.zip", "Ein anderer Export benutzt ihn gerade."},
   };
   for (const auto& test : cases) {
     WriteFile(u"C:\\Ziel.zip", "altes Archiv");
-    Machine().PressOkAfter = {0};
+    Machine().PressOkAfter = {0, 0};
     Machine().SaveAnswers = {UnicodeString(test.Archive)};
     const TLines log = RunExport(test.Assembly, {[] { TDialog::Press(u"Exportieren"); },
                                                  [] {
@@ -126,9 +140,44 @@ TEST_F(ExportRunTest, ExportsTheRowsOfAFailedScan) {
   const TLines log = RunExport(u"C:\\P\\g.iam", {[] { TDialog::Press(u"Exportieren"); }});
   EXPECT_TRUE(Has(log, "error box \"SHGetMalloc(pMalloc)\": Fehler beim pointer zu IMalloc interface."));
   EXPECT_TRUE(Has(log, "save dialog \"Baugruppe exportieren nach\"  | g.zip"));
-  EXPECT_EQ(
-      Archive(u"C:\\Ziel.zip"),
-      "Export.html=Baugruppe&quot;Getriebe&quot;exportieren0Bauteile2Baugruppen1ZeichnungKeineDateifehlt*"
-      "BezeichnungDatei1GetriebeC:\\P\\g.iam2GetriebeC:\\P\\g.idw3u.iamC:\\P\\u.iam "
-      "g.iam={\"disp g.idw={} u.iam={\"refe");
+  EXPECT_EQ(Archive(u"C:\\Ziel.zip"),
+            "Export.html=Baugruppe&quot;Getriebe&quot;DieBaugruppewurdeunvollständigeingelesen:Gesperrt"
+            "0Bauteile2Baugruppen1Zeichnung*"
+            "BezeichnungDatei1GetriebeC:\\P\\g.iam2GetriebeC:\\P\\g.idw3u.iamC:\\P\\u.iam "
+            "g.iam={\"disp g.idw={} u.iam={\"refe");
+}
+
+TEST_F(ExportRunTest, WaitsForHeldFilesWithinLimits) {
+  constexpr std::int64_t kForever = 1'000'000;
+  WriteFile(u"C:\\P\\g.iam", R"({"references": ["a.ipt", "b.ipt", "a.ipt", "b.ipt"]})");
+  WriteFile(u"C:\\P\\b.ipt", "b");
+  const struct {
+    UnicodeString Held;
+    std::int64_t Until;
+    std::int64_t LeastEnd;  ///< when the program ends
+    std::int64_t MostEnd;
+    std::string Message;  ///< a part of it; empty: none
+    std::string Content;  ///< a part of what the archive holds
+  } cases[] = {
+      {u"C:\\Temp\\g.iam\\a.ipt", kForever, 5'000, 6'000, "", "Dateikonntenichtkopiertwerden!"},
+      {u"C:\\~Archiv1.tmp", 25'000, 25'000, 26'000, "", "b.ipt=b"},
+      {u"C:\\Ziel.zip", kForever, 5'000, 6'000, "E/A-Fehler 32", "BadZipFile"},
+      {u"C:\\~Archiv1.tmp", kForever, 30'000, 31'000, "Es liegt unter \"C:\\~Archiv1.tmp\".", "b.ipt=b"},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(Utf8FromText(test.Held) + " " + std::to_string(test.Until));
+    WriteFile(u"C:\\Ziel.zip", "altes Archiv");
+    Machine().HeldUntil = {{test.Held, test.Until}};
+    Machine().PressOkAfter = {0};
+    Machine().SaveAnswers = {u"C:\\Ziel.zip"};
+    const TLines log =
+        RunExport(u"C:\\P\\g.iam", {[] { TDialog::Press(u"Exportieren"); }, [] { TDialog::PressEscape(); }});
+    EXPECT_GE(Machine().Now, test.LeastEnd);
+    EXPECT_LE(Machine().Now, test.MostEnd);
+    EXPECT_EQ(Has(log, "error box"), !test.Message.empty());
+    EXPECT_TRUE(Has(log, test.Message));
+    EXPECT_EQ(FileExists(u"C:\\~Archiv1.tmp"), test.LeastEnd == 30'000);
+    const TextView archive = test.LeastEnd == 30'000 ? u"C:\\~Archiv1.tmp" : u"C:\\Ziel.zip";
+    EXPECT_NE(Archive(archive).find(test.Content), std::string::npos);
+  }
 }
