@@ -14,7 +14,7 @@ kTableRatio = 1.3
 kClick = 50  # milliseconds
 kPage = 16
 kTenfold = 12  # for ten times the rows, where sorting is a part of the work
-kPacking = {"cad": 12, "text": 2.3, "small": 2.3}
+kPacking = {"cad": 12, "compound": 11.8, "text": 2.3, "exchange": 2.8, "small": 2.3, "assorted": 2.2, "hard": 1.8}
 
 
 def Number(value):
