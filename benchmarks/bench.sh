@@ -44,7 +44,7 @@ measure() {
 measure table working_table_benchmark
 measure export export_benchmark
 
-"$root/scripts/bench-packing.sh" "${packing[@]}" | tee "$results/packing.txt"
+"$root/benchmarks/bench-packing.sh" "${packing[@]}" | tee "$results/packing.txt"
 (cd "$root/build/windows" && stat -c '%n %s' VelmoraInventor.exe bare_program.exe) >"$results/sizes.txt"
 
 echo

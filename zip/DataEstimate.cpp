@@ -1,75 +1,88 @@
 #include "zip/DataEstimate.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace {
 
+using TBytes = std::span<const unsigned char>;
+using TCounts = std::array<std::uint32_t, 256>;
+
+// A unit is looked at part by part: whether the first bytes of each repeat something that was marked before.
+constexpr std::uint32_t kPart = 512;
 constexpr std::size_t kMarkSpacing = 16;
-constexpr std::size_t kProbes = 8;              // places in a unit at which repeats are looked for
+/// Shorter repeats are chance in data of few byte values, and seldom worth a search.
+constexpr std::size_t kRepeatSize = sizeof(std::uint64_t);
+/// So long that a repeat that covers it cannot slip between two marks.
+constexpr std::size_t kProbe = kMarkSpacing + kRepeatSize - 1;
 constexpr std::uint32_t kReach = 32'768 - 262;  // zlib looks back no farther
 
-std::uint32_t ValueAt(const unsigned char* bytes) noexcept {
-  std::uint32_t value = 0;
+// Bytes are counted in groups. A quarter of them says enough about a unit; the distance of the groups is odd,
+// so that no column of a table of numbers is left out.
+constexpr std::size_t kGroup = 16;
+constexpr std::size_t kSparse = 61;
+
+template <class T>
+T ValueAt(const unsigned char* bytes) noexcept {
+  T value = 0;
   std::memcpy(&value, bytes, sizeof value);
   return value;
 }
 
-/// Rows of one byte shrink by themselves.
-bool IsRow(std::uint32_t value) noexcept {
-  return value == (value & 0xFF) * 0x01010101U;
-}
-
-std::size_t Slot(std::uint32_t value) noexcept {
-  return value * 0x9E3779B1U >> 20;
-}
-
-struct TSpread {
-  double Savings;
-  bool IsText;
-};
-
-/// What Huffman codes save in a piece of at most kUnitSize bytes, while that is not much; where it is, too
-/// large a number does no harm. It follows from how far the counts of the byte values are from being equal,
-/// in the measure of the chi-squared test: about 255 for random bytes, whatever their number.
-TSpread Spread(std::span<const unsigned char> unit) noexcept {
-  // Four tables: with one, a row of equal bytes makes every step wait for the one before. Half of the bytes
-  // are as good as all; the step is odd, so that no column of a table of numbers is passed over.
-  constexpr std::size_t kCounted = 16;
-  constexpr std::size_t kStep = 31;
+/// How often each value is among the bytes of the groups, which begin `step` bytes apart.
+TCounts CountBytes(TBytes data, std::size_t step) noexcept {
+  // Four tables: with one, a run of equal bytes makes every step wait for the one before.
   std::array<std::array<std::uint16_t, 256>, 4> counts{};
-  std::size_t counted = 0;
-  for (std::size_t begin = 0; begin < unit.size(); begin += kStep) {
-    const std::size_t end = std::min(begin + kCounted, unit.size());
-    counted += end - begin;
+  for (std::size_t begin = 0; begin < data.size(); begin += step) {
+    const std::size_t end = std::min(begin + kGroup, data.size());
     std::size_t i = begin;
     for (; i + 4 <= end; i += 4) {
-      const std::uint32_t value = ValueAt(&unit[i]);
+      const auto value = ValueAt<std::uint32_t>(&data[i]);
       ++counts[0][value & 0xFF];
       ++counts[1][value >> 8 & 0xFF];
       ++counts[2][value >> 16 & 0xFF];
       ++counts[3][value >> 24];
     }
-    for (; i < end; ++i) ++counts[0][unit[i]];
+    for (; i < end; ++i) ++counts[0][data[i]];
   }
+  TCounts sums{};
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    sums[i] = std::uint32_t{counts[0][i]} + counts[1][i] + counts[2][i] + counts[3][i];
+  }
+  return sums;
+}
 
-  std::uint32_t squares = 0;
-  std::uint32_t letters = 0;
-  for (std::size_t value = 0; value < 256; ++value) {
-    const std::uint32_t count =
-        std::uint32_t{counts[0][value]} + counts[1][value] + counts[2][value] + counts[3][value];
-    squares += count * count;
-  }
-  for (std::size_t value = ' '; value <= '~'; ++value) {
-    letters += std::uint32_t{counts[0][value]} + counts[1][value] + counts[2][value] + counts[3][value];
-  }
+std::uint32_t Sum(const TCounts& counts, unsigned char first, unsigned char last) noexcept {
+  std::uint32_t sum = 0;
+  for (std::size_t i = first; i <= last; ++i) sum += counts[i];
+  return sum;
+}
+
+/// What Huffman codes save in at most kUnitSize bytes, while that is not much; where it is, too large a
+/// number does no harm. It follows from how far the counts of the byte values are from being equal, in the
+/// measure of the chi-squared test: about 255 for random bytes, however many they are.
+double HuffmanSavings(const TCounts& counts, std::size_t size) noexcept {
   constexpr double kRandom = 255;
   constexpr double kUnevennessPerByte = 11;
-  const auto size = static_cast<double>(counted);
-  const double unevenness = static_cast<double>(squares) * 256 / size - size;
-  const double savings =
-      (unevenness - kRandom) / kUnevennessPerByte * static_cast<double>(unit.size()) / size;
-  return {std::max(0.0, savings), letters > counted / 8 * 7};
+  std::uint32_t squares = 0;
+  for (const std::uint32_t count : counts) squares += count * count;
+  const auto counted = static_cast<double>(Sum(counts, 0, 255));
+  const double unevenness = static_cast<double>(squares) * 256 / counted - counted;
+  return std::max(0.0, (unevenness - kRandom) / kUnevennessPerByte * static_cast<double>(size) / counted);
+}
+
+bool IsIncompressible(TBytes piece) noexcept {
+  constexpr double kNoise = 20;  // random bytes seem to save as much now and then
+  return HuffmanSavings(CountBytes(piece, kGroup), piece.size()) < kNoise;
+}
+
+std::uint32_t Fingerprint(const unsigned char* bytes) noexcept {
+  return static_cast<std::uint32_t>(ValueAt<std::uint64_t>(bytes) * 0x9E3779B97F4A7C15U >> 32);
+}
+
+std::size_t Slot(std::uint32_t fingerprint) noexcept {
+  return fingerprint >> 20;
 }
 
 }  // namespace
@@ -79,46 +92,68 @@ void TDataEstimate::Reset() noexcept {
   fPosition = kReach + 1;  // the empty marks are out of reach
 }
 
-TDataEstimate::TResult TDataEstimate::Judge(std::span<const unsigned char> unit) {
-  if (unit.empty()) return {0, false, false};
-  const TSpread spread = Spread(unit);
-  const std::size_t repeats = RepeatedProbes(unit);
-  Remember(unit);
-  return {static_cast<std::size_t>(spread.Savings) + repeats * unit.size() / kProbes, repeats > 0,
-          spread.IsText};
+TDataEstimate::TResult TDataEstimate::Judge(TBytes unit) {
+  TResult result;
+  if (unit.empty()) return result;
+  const TCounts counts = CountBytes(unit, kSparse);
+  result.Savings = static_cast<std::size_t>(HuffmanSavings(counts, unit.size()));
+  result.IsText = Sum(counts, ' ', '~') > Sum(counts, 0, 255) / 8 * 7;
+  for (std::uint32_t begin = 0; begin < unit.size(); begin += kPart) {
+    const TBytes part = unit.subspan(begin, std::min<std::size_t>(kPart, unit.size() - begin));
+    const std::uint32_t distance = RepeatDistance(part.first(std::min(kProbe, part.size())));
+    if (distance > 0) {
+      result.HasRepeats = true;
+      result.Savings += part.size();
+      result.RepeatsEarlier = result.RepeatsEarlier || distance > begin;
+    }
+    Remember(part);
+  }
+  return result;
 }
 
-std::size_t TDataEstimate::RandomStart(std::span<const unsigned char> unit) {
-  constexpr std::size_t kPiece = 512;
-  constexpr double kNoise = 20;  // random bytes seem to save as much now and then
+bool TDataEstimate::IsByteRun(TBytes unit) noexcept {
+  return !unit.empty() && std::memcmp(unit.data(), unit.data() + 1, unit.size() - 1) == 0;
+}
+
+std::size_t TDataEstimate::IncompressiblePrefix(TBytes unit) noexcept {
   std::size_t size = 0;
-  while (size + kPiece <= unit.size() && Spread(unit.subspan(size, kPiece)).Savings < kNoise) size += kPiece;
+  while (size + kPart <= unit.size() && IsIncompressible(unit.subspan(size, kPart))) size += kPart;
   return size;
 }
 
-/// At how many places something stands that was marked within reach. A place is as long as two marks are
-/// apart, so that a repeat which covers it cannot slip between them.
-std::size_t TDataEstimate::RepeatedProbes(std::span<const unsigned char> unit) const {
-  std::size_t found = 0;
-  for (std::size_t probe = 0; probe < kProbes; ++probe) {
-    const std::size_t begin = probe * unit.size() / kProbes;
-    for (std::size_t i = begin; i < begin + kMarkSpacing && i + sizeof(std::uint32_t) <= unit.size(); ++i) {
-      const std::uint32_t value = ValueAt(&unit[i]);
-      const TMark& mark = fMarks[Slot(value)];
-      const std::uint32_t position = fPosition + static_cast<std::uint32_t>(i);
-      if (mark.Value == value && !IsRow(value) && position - mark.Position <= kReach) {
-        ++found;
-        break;
-      }
-    }
+std::size_t TDataEstimate::IncompressibleSuffix(TBytes unit) noexcept {
+  std::size_t size = 0;
+  while (size + kPart <= unit.size() && IsIncompressible(unit.last(size + kPart).first(kPart))) {
+    size += kPart;
   }
-  return found;
+  return size;
 }
 
-void TDataEstimate::Remember(std::span<const unsigned char> unit) {
-  for (std::size_t i = 0; i + sizeof(std::uint32_t) <= unit.size(); i += kMarkSpacing) {
-    const std::uint32_t value = ValueAt(&unit[i]);
+std::size_t TDataEstimate::HuffmanSize(TBytes data) noexcept {
+  double bits = 0;
+  for (const std::uint32_t count : CountBytes(data, kGroup)) {
+    if (count > 0) bits += count * std::log2(static_cast<double>(data.size()) / count);
+  }
+  return static_cast<std::size_t>(bits / 8);
+}
+
+/// How far back the data begin that the next bytes repeat; 0: they repeat nothing.
+std::uint32_t TDataEstimate::RepeatDistance(TBytes probe) const {
+  for (std::size_t i = 0; i + kRepeatSize <= probe.size(); ++i) {
+    const std::uint32_t value = Fingerprint(&probe[i]);
+    const TMark& mark = fMarks[Slot(value)];
+    const std::uint32_t distance = fPosition + static_cast<std::uint32_t>(i) - mark.Position;
+    // Runs of one byte shrink by themselves.
+    if (mark.Value == value && distance <= kReach && !IsByteRun(probe.subspan(i, kRepeatSize)))
+      return distance;
+  }
+  return 0;
+}
+
+void TDataEstimate::Remember(TBytes part) {
+  for (std::size_t i = 0; i + kRepeatSize <= part.size(); i += kMarkSpacing) {
+    const std::uint32_t value = Fingerprint(&part[i]);
     fMarks[Slot(value)] = {value, fPosition + static_cast<std::uint32_t>(i)};
   }
-  fPosition += static_cast<std::uint32_t>(unit.size());
+  fPosition += static_cast<std::uint32_t>(part.size());
 }

@@ -5,38 +5,41 @@
 #include <cstdint>
 #include <span>
 
-/// Guesses at a fraction of Deflate's cost what Deflate would make of a piece of data: from how unevenly its
-/// byte values are spread, and from a look for repeats of what came before. Used by one stream, piece after
-/// piece.
+/// Guesses at a fraction of Deflate's cost what Deflate would make of a unit of data: from how unevenly its
+/// byte values are distributed, and from a look for repeats of earlier data. Used by one stream, unit after
+/// unit.
 class TDataEstimate {
  public:
-  /// The pieces that it is made for. Longer ones must be taken apart, shorter ones are judged less surely.
+  /// Longer data must be split into units of this size; shorter ones are judged less reliably.
   static constexpr std::size_t kUnitSize = 4096;
 
   /// Forgets what came before.
   void Reset() noexcept;
 
   struct TResult {
-    std::size_t Savings;  ///< the bytes that Deflate would probably save
-    bool HasRepeats;      ///< some of them because the data before this piece hold the same
-    bool IsText;          ///< of ASCII, by and large
+    std::size_t Savings = 0;      ///< the bytes that Deflate would probably save
+    bool HasRepeats = false;      ///< of data in the unit or before it
+    bool RepeatsEarlier = false;  ///< of data before the unit
+    bool IsText = false;          ///< of ASCII, by and large
   };
-  /// Judges the next piece of the data.
+  /// Judges the next unit of the data.
   TResult Judge(std::span<const unsigned char> unit);
-  /// The next piece of the data needs no judgement.
-  void Skip(std::span<const unsigned char> unit) { Remember(unit); }
 
-  /// How many bytes at the start of a piece without repeats are not worth anything to Deflate.
-  static std::size_t RandomStart(std::span<const unsigned char> unit);
+  /// Whether all bytes are the same.
+  static bool IsByteRun(std::span<const unsigned char> unit) noexcept;
+  /// How many bytes at the start, or at the end, of a unit without repeats are not worth compressing.
+  static std::size_t IncompressiblePrefix(std::span<const unsigned char> unit) noexcept;
+  static std::size_t IncompressibleSuffix(std::span<const unsigned char> unit) noexcept;
+  /// The size of the data as Huffman codes only.
+  static std::size_t HuffmanSize(std::span<const unsigned char> data) noexcept;
 
  private:
   struct TMark {
     std::uint32_t Value;
     std::uint32_t Position;
   };
-
-  std::size_t RepeatedProbes(std::span<const unsigned char> unit) const;
-  void Remember(std::span<const unsigned char> unit);
+  std::uint32_t RepeatDistance(std::span<const unsigned char> probe) const;
+  void Remember(std::span<const unsigned char> part);
 
   std::array<TMark, 4096> fMarks{};
   std::uint32_t fPosition = 0;

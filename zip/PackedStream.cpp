@@ -4,22 +4,55 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace {
 
-constexpr int kLevel = 6;
 constexpr int kMemory = 8;
-constexpr int kMaxMatch = 258;
-constexpr int kCandidates = 1;
 constexpr int kRawDeflate = -MAX_WBITS;
 constexpr std::size_t kWindow = 32'768;
 constexpr std::size_t kMostStored = 0xFFFF;  // bytes of one stored block
 /// As many units as one stored block can hold. Larger blocks leave the cache before they are written.
 constexpr std::size_t kBlockSize = kMostStored / TDataEstimate::kUnitSize * TDataEstimate::kUnitSize;
 
-/// What a unit must save at least before it goes through the compressor: a change of the kind costs about as
-/// much for its marks and for code tables of their own.
-constexpr std::size_t kWorthPacking = 160;
+/// What a unit must save at least to be compressed: a change of the kind costs about as much for its marks
+/// and for code tables of their own.
+constexpr std::size_t kWorthPacking = 288;
+
+/// How zlib searches: its level stands for the method, the other numbers replace the level's own.
+struct TSearch {
+  int Level;
+  int Strategy;
+  int GoodLength, MostLazy, NiceLength, Candidates;
+};
+
+constexpr int kMaxMatch = 258;
+/// In texts the short matches that the filtered strategy refuses cost more than they save. Few candidates for
+/// each match, but always a look whether the next position has a longer one: of all settings that take this
+/// time, these give the smallest archives.
+constexpr TSearch kTextSearch{6, Z_FILTERED, kMaxMatch, kMaxMatch, kMaxMatch, 1};
+/// Small files are worth more candidates; at a file's start there are not many yet.
+constexpr TSearch kFirstTextSearch{6, Z_FILTERED, 4, 8, 64, 32};
+/// The fast method, with more candidates than it has by itself.
+constexpr TSearch kBinarySearch{3, Z_DEFAULT_STRATEGY, 8, 16, 32, 8};
+
+/// The Deflate data of a unit of one byte value, which stand for themselves between other blocks.
+std::string PackedByteRun(unsigned char value) {
+  std::vector<unsigned char> unit(TDataEstimate::kUnitSize, value);
+  std::string packed(TDataEstimate::kUnitSize, '\0');
+  z_stream stream{};
+  if (::deflateInit2(&stream, 6, Z_DEFLATED, kRawDeflate, kMemory, Z_DEFAULT_STRATEGY) != Z_OK) {
+    throw std::bad_alloc();
+  }
+  stream.next_in = unit.data();
+  stream.avail_in = static_cast<uInt>(unit.size());
+  stream.next_out = reinterpret_cast<unsigned char*>(packed.data());
+  stream.avail_out = static_cast<uInt>(packed.size());
+  ::deflate(&stream, Z_FULL_FLUSH);
+  packed.resize(stream.total_out);
+  ::deflateEnd(&stream);
+  return packed;
+}
 
 }  // namespace
 
@@ -30,7 +63,8 @@ void TPackedStream::TDeflateEnd::operator()(z_stream_s* stream) const noexcept {
 
 TPackedStream::TPackedStream(TArchiveFile& target) : fTarget(target), fBuffer(kWindow + kBlockSize) {
   auto stream = std::make_unique<z_stream>();
-  if (::deflateInit2(stream.get(), kLevel, Z_DEFLATED, kRawDeflate, kMemory, Z_DEFAULT_STRATEGY) != Z_OK) {
+  if (::deflateInit2(stream.get(), kTextSearch.Level, Z_DEFLATED, kRawDeflate, kMemory, Z_DEFAULT_STRATEGY) !=
+      Z_OK) {
     throw std::bad_alloc();
   }
   fStream.reset(stream.release());
@@ -40,11 +74,9 @@ TPackedStream::~TPackedStream() = default;
 
 void TPackedStream::Begin() {
   ::deflateReset(fStream.get());
-  // Few candidates for each match, but always a look whether the next position has a longer one: of all
-  // settings that take this time, these give the smallest archives.
-  ::deflateTune(fStream.get(), kMaxMatch, kMaxMatch, kMaxMatch, kCandidates);
   fEstimate.Reset();
   fKind = TKind::Stored;
+  fIsFirstBlock = true;
   fHistory = 0;
 }
 
@@ -54,49 +86,93 @@ std::span<char> TPackedStream::Room() noexcept {
 
 void TPackedStream::Pack(std::size_t count) {
   const TBytes block = TBytes(fBuffer).subspan(kWindow, count);
+  fSearchFails = false;  // a new block, a new trial
+  if (fKind == TKind::Search) TuneSearch();
   std::size_t begin = 0;
+  bool hasRepeats = false;
   for (std::size_t i = 0; i < count; i += TDataEstimate::kUnitSize) {
     const TBytes unit = block.subspan(i, std::min(TDataEstimate::kUnitSize, count - i));
     const TDataEstimate::TResult estimate = fEstimate.Judge(unit);
-    const TKind kind = estimate.Savings < kWorthPacking ? TKind::Stored : TKind::Packed;
+    if (fTrialHuffmanSize > 0) {
+      PackRun(block.subspan(begin, i - begin));
+      begin = i;
+      EndTrial();
+    }
+    const TKind kind = KindOf(unit, estimate);
+    const bool followsRepeats = std::exchange(hasRepeats, estimate.HasRepeats);
     if (kind == fKind) continue;
+    // On either side of stored data only what is worth it is compressed.
     std::size_t end = i;
-    if (kind == TKind::Packed && !estimate.HasRepeats) end += TDataEstimate::RandomStart(unit);
+    if (fKind == TKind::Stored && IsCompressed(kind) && !hasRepeats) {
+      end += TDataEstimate::IncompressiblePrefix(unit);
+    } else if (IsCompressed(fKind) && kind == TKind::Stored && !followsRepeats) {
+      const TBytes run = block.subspan(begin, i - begin);
+      end -= TDataEstimate::IncompressibleSuffix(run.last(std::min(run.size(), TDataEstimate::kUnitSize)));
+    }
     PackRun(block.subspan(begin, end - begin));
     begin = end;
-    if (kind == TKind::Packed) {
-      BeginPacked(end, estimate);
-    } else {
-      BeginStored();
-    }
+    Switch(kind);
+    if (kind != TKind::Search) continue;
+    BeginSearch(end, estimate);
+    if (!hasRepeats) fTrialHuffmanSize = TDataEstimate::HuffmanSize(unit.subspan(end - i));
   }
   PackRun(block.subspan(begin));
   KeepHistory(count);
+  fIsFirstBlock = false;
+}
+
+TPackedStream::TKind TPackedStream::KindOf(TBytes unit, const TDataEstimate::TResult& estimate) const {
+  if (unit.size() == TDataEstimate::kUnitSize && TDataEstimate::IsByteRun(unit)) return TKind::ByteRun;
+  if (estimate.Savings < kWorthPacking) return TKind::Stored;
+  return fSearchFails && !estimate.HasRepeats ? TKind::Huffman : TKind::Search;
 }
 
 void TPackedStream::PackRun(TBytes run) {
   if (run.empty()) return;
-  if (fKind == TKind::Packed) {
-    Deflate(run, Z_NO_FLUSH);
-  } else {
-    Store(run);
+  switch (fKind) {
+    case TKind::Stored:
+      return Store(run);
+    case TKind::ByteRun:
+      return StoreByteRun(run);
+    case TKind::Huffman:
+    case TKind::Search:
+      return Deflate(run, Z_NO_FLUSH);
   }
 }
 
-void TPackedStream::BeginStored() {
-  // Full: the compressor will not see the stored bytes, and must not measure distances across them.
-  Deflate({}, Z_FULL_FLUSH);
-  fKind = TKind::Stored;
+void TPackedStream::Switch(TKind kind) {
+  // Full: the compressor will not see what is stored, and must not measure distances across it; and before a
+  // new search it forgets what the dictionary is about to give it once more.
+  if (IsCompressed(fKind)) Deflate({}, kind == TKind::Huffman ? Z_BLOCK : Z_FULL_FLUSH);
+  if (kind == TKind::Huffman) ::deflateParams(fStream.get(), kTextSearch.Level, Z_HUFFMAN_ONLY);
+  fTrialHuffmanSize = 0;
+  fKind = kind;
 }
 
-void TPackedStream::BeginPacked(std::size_t position, const TDataEstimate::TResult& estimate) {
-  fKind = TKind::Packed;
-  // In texts of numbers the short matches that the filtered strategy refuses cost more than they save.
-  ::deflateParams(fStream.get(), kLevel, estimate.IsText ? Z_FILTERED : Z_DEFAULT_STRATEGY);
-  if (!estimate.HasRepeats) return;
+void TPackedStream::BeginSearch(std::size_t position, const TDataEstimate::TResult& estimate) {
+  fIsTextSearch = estimate.IsText;
+  const TSearch& search = fIsTextSearch ? kTextSearch : kBinarySearch;
+  ::deflateParams(fStream.get(), search.Level, search.Strategy);
+  TuneSearch();
+  fTrialBegin = fStream->total_out;
+  if (!estimate.RepeatsEarlier) return;
   // What it has not seen of the bytes before.
   const std::size_t size = std::min(fHistory + position, kWindow);
   ::deflateSetDictionary(fStream.get(), &fBuffer[kWindow + position - size], static_cast<uInt>(size));
+}
+
+void TPackedStream::TuneSearch() {
+  const TSearch& text = fIsFirstBlock ? kFirstTextSearch : kTextSearch;
+  const TSearch& search = fIsTextSearch ? text : kBinarySearch;
+  ::deflateTune(fStream.get(), search.GoodLength, search.MostLazy, search.NiceLength, search.Candidates);
+}
+
+/// Compares what the search made of its first unit with what Huffman codes alone would have.
+void TPackedStream::EndTrial() {
+  Deflate({}, Z_BLOCK);
+  const std::size_t size = fStream->total_out - fTrialBegin;
+  fSearchFails = size * 100 > fTrialHuffmanSize * 97;
+  fTrialHuffmanSize = 0;
 }
 
 void TPackedStream::KeepHistory(std::size_t count) {
@@ -116,6 +192,12 @@ void TPackedStream::Store(TBytes run) {
     fTarget.Write({reinterpret_cast<const char*>(run.data()), size});
     run = run.subspan(size);
   }
+}
+
+void TPackedStream::StoreByteRun(TBytes run) {
+  std::string& packed = fByteRuns[run.front()];
+  if (packed.empty()) packed = PackedByteRun(run.front());
+  for (std::size_t i = 0; i < run.size(); i += TDataEstimate::kUnitSize) fTarget.Write(packed);
 }
 
 void TPackedStream::Deflate(TBytes run, int flush) {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "zip/ArchiveFile.h"
@@ -10,9 +12,8 @@
 
 struct z_stream_s;
 
-/// The Deflate stream of one entry after the other, written into the archive's file. What looks as if it
-/// could not shrink goes past the compressor as stored blocks. Owned by the archive, whose file must outlive
-/// it.
+/// The Deflate stream of one entry after the other, written into the archive's file. The compressor searches
+/// for repeats only where that is likely to pay. Owned by the archive, whose file must outlive it.
 class TPackedStream {
  public:
   explicit TPackedStream(TArchiveFile& target);
@@ -29,23 +30,41 @@ class TPackedStream {
   void Finish();
 
  private:
-  enum class TKind { Packed, Stored };
+  /// What is done with a unit of the data.
+  enum class TKind {
+    Stored,   ///< written as it is
+    ByteRun,  ///< of one byte value only: written as Deflate data made once
+    Huffman,  ///< compressed without a search for repeats
+    Search,   ///< compressed
+  };
   struct TDeflateEnd {
     void operator()(z_stream_s* stream) const noexcept;
   };
   using TBytes = std::span<const unsigned char>;
 
+  static bool IsCompressed(TKind kind) noexcept { return kind == TKind::Huffman || kind == TKind::Search; }
+  TKind KindOf(TBytes unit, const TDataEstimate::TResult& estimate) const;
   void PackRun(TBytes run);
-  void BeginStored();
-  void BeginPacked(std::size_t position, const TDataEstimate::TResult& estimate);
+  void Switch(TKind kind);
+  void BeginSearch(std::size_t position, const TDataEstimate::TResult& estimate);
+  void TuneSearch();
+  void EndTrial();
   void KeepHistory(std::size_t count);
   void Store(TBytes run);
+  void StoreByteRun(TBytes run);
   void Deflate(TBytes run, int flush);
 
   TArchiveFile& fTarget;
   std::unique_ptr<z_stream_s, TDeflateEnd> fStream;
   TDataEstimate fEstimate;
   TKind fKind = TKind::Stored;
-  std::vector<unsigned char> fBuffer;  // the window before the block, then the block
-  std::size_t fHistory = 0;            // how much of the window is filled, up to the block
+  bool fIsFirstBlock = true;
+  bool fIsTextSearch = false;
+  // Where nothing says whether a search pays, its first unit is a trial.
+  std::size_t fTrialBegin = 0;        // in the stream's output
+  std::size_t fTrialHuffmanSize = 0;  // of the unit; 0: no trial
+  bool fSearchFails = false;
+  std::array<std::string, 256> fByteRuns;  // the Deflate data of a unit of each byte value, once it is needed
+  std::vector<unsigned char> fBuffer;      // the window before the block, then the block
+  std::size_t fHistory = 0;                // how much of the window is filled, up to the block
 };

@@ -14,14 +14,36 @@
 
 namespace {
 
+bool IsHigh(char16_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+
+bool IsLow(char16_t unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
+
+/// In UTF-8, which cannot hold unpaired surrogates. Each becomes the replacement character and its number, as
+/// does that character itself, so that different names stay different.
 std::string EntryName(TextView name) {
-  UnicodeString text(name);
-  std::ranges::replace(text, u'\\', u'/');
+  constexpr char16_t kReplacement = 0xFFFD;
+  constexpr TextView kDigits = u"0123456789ABCDEF";
+  UnicodeString text;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char16_t unit = name[i];
+    const bool isPaired = (IsHigh(unit) && i + 1 < name.size() && IsLow(name[i + 1])) ||
+                          (IsLow(unit) && i > 0 && IsHigh(name[i - 1]));
+    if (unit == kReplacement || ((IsHigh(unit) || IsLow(unit)) && !isPaired)) {
+      text += kReplacement;
+      for (const int shift : {12, 8, 4, 0}) text += kDigits[unit >> shift & 0xF];
+    } else {
+      text += unit == u'\\' ? u'/' : unit;
+    }
+  }
   return Utf8FromText(text);
 }
 
-/// An upper bound for what the packed stream can have made of so many bytes: stored or not, no unit grows by
-/// a hundredth.
+/// An upper bound for the packed size of this many bytes: whatever kind it is of, no unit grows by a
+/// hundredth.
 std::uint64_t MostPacked(std::uint64_t size) {
   return size + size / 64 + 1024;
 }

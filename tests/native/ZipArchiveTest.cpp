@@ -27,7 +27,7 @@ class ZipArchiveTest : public TMachineTest {
   static void CheckByReaders(TextView archive, TextView folder, const std::string& names) {
     WriteFile(u"C:\\Namen.txt", names);
     const auto quoted = [](TextView path) { return " '" + headless::HostPath(path).string() + "'"; };
-    const std::string command = "python3 " VELMORA_SOURCE "/scripts/packing/check.py" + quoted(archive) +
+    const std::string command = "python3 " VELMORA_SOURCE "/benchmarks/packing/check.py" + quoted(archive) +
                                 quoted(folder) + quoted(u"C:\\Namen.txt") + " >&2";
     EXPECT_EQ(std::system(command.c_str()), 0);
   }
@@ -46,7 +46,9 @@ TEST_F(ZipArchiveTest, PackedStreamsRoundTrip) {
       {{{'r', 4096}}, 4110},
       {{{'r', 65'536}}, 65'550},
       {{{'r', 300'001}}, 300'050},
-      {{{'z', 300'001}}, 500},
+      {{{'z', 300'001}}, 2'500},
+      {{{'n', 300'001}}, 155'000},
+      {{{'n', 20'000}, {'b', 9'000, 9'000}, {'r', 9'000}}, 20'800},   // found again
       {{{'t', 20'000}, {'r', 8192}, {'b', 20'000, 28'192}}, 40'000},  // a repeat across a stored run
       {{{'t', 4097}, {'r', 27'903}, {'b', 32'000, 32'000}}, 31'500},  // at the window's far end
       {{{'c', 61'440}}, 36'000},
@@ -92,6 +94,20 @@ TEST_F(ZipArchiveTest, IndependentReadersSeeTheFolder) {
   archive.AddContents(u"C:\\Quelle");
   archive.Close();
   CheckByReaders(u"C:\\Archiv.zip", u"C:\\Quelle", order);
+}
+
+TEST_F(ZipArchiveTest, EntryNamesStayDistinct) {
+  WriteFile(u"C:\\a", "");
+  const TextView names[] = {u"\xD800", u"\xD801", u"\xDC00\xD800", u"\xFFFD", u"\U0001F529"};
+  const std::string entries[] = {"\uFFFDD800", "\uFFFDD801", "\uFFFDDC00\uFFFDD800", "\uFFFDFFFD",
+                                 "\U0001F529"};
+  TZipArchive archive(u"C:\\Archiv.zip");
+  for (const TextView name : names) archive.AddFile(u"C:\\a", name);
+  archive.Close();
+  const std::string bytes = ReadFile(u"C:\\Archiv.zip");
+  for (const std::string& entry : entries) {
+    EXPECT_NE(bytes.find(entry + "PK"), std::string::npos) << entry;
+  }
 }
 
 TEST_F(ZipArchiveTest, FilesMayChangeSizeWhileRead) {

@@ -16,6 +16,7 @@ void AppendPart(std::string& data, const TDataPart& part, std::mt19937& random) 
   for (std::size_t i = 0; i < part.Size; ++i) {
     const bool isRandom = part.Kind == 'r' || (part.Kind == 'c' && data.size() % 32 < 16);
     char next = static_cast<char>(isRandom ? random() : part.Number);
+    if (part.Kind == 'n') next = static_cast<char>(random() & 0x0F);
     if (part.Kind == 't') next = kText[random() % kText.size()];
     if (part.Kind == 'b' && part.Number > 0 && part.Number <= data.size())
       next = data[data.size() - part.Number];

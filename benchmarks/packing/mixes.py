@@ -1,13 +1,16 @@
 #!/usr/bin/env python3
-"""Usage: mixes.py FOLDER DIVISOR   writes the folders cad/, text/ and small/ that bench-packing.sh packs
+"""Usage: mixes.py FOLDER DIVISOR SEEDS   writes the folders that bench-packing.sh packs, a DIVISORth of each
 
-The data are the same on every run: each file is drawn with a seed of its own.
+The data are the same on every run: each file is drawn with a seed of its own, which begins with SEEDS. The packing was
+tuned on the data of "tune"; what is reported comes from "report".
 """
 import random
 import struct
 import sys
 import zlib
 from pathlib import Path
+
+import kinds
 
 kMegabyte = 1_000_000
 kSector = 4096
@@ -156,32 +159,60 @@ def FacetText(rng, target):
 
 # --- the mixes ------------------------------------------------------------------------------------------------
 
-def MakeCad(folder, total):
-    segments, i = Segments(random.Random("segments")), 0
-    while total > 0:
-        rng = random.Random(f"cad {i}")
-        size = int(min(8 * kMegabyte, max(0.2 * kMegabyte, rng.lognormvariate(14, 0.9))))
-        path = folder / f"Baugruppe {i // 12}" / f"Teil {i:04}.ipt"
+class Mix:
+    """A folder that is filled file by file."""
+
+    def __init__(self, folder, seeds):
+        self.folder, self.seeds, self.size, self.count = folder, seeds, 0, 0
+
+    def Random(self):
+        return random.Random(f"{self.seeds} {self.folder.name} {self.count}")
+
+    def Add(self, extension, data):
+        path = self.folder / f"{self.count // 250:02}" / f"Datei {self.count:04}.{extension}"
         path.parent.mkdir(parents=True, exist_ok=True)
-        total -= path.write_bytes(CompoundDocument(rng, segments, size))
-        i += 1
+        path.write_bytes(data)
+        self.size += len(data)
+        self.count += 1
 
 
-def MakeText(folder, total):
-    folder.mkdir(parents=True)
-    i = 0
-    while total > 0:
-        rng = random.Random(f"text {i}")
+def MakeCad(mix, total):
+    segments = Segments(random.Random(f"{mix.seeds} segments"))
+    while mix.size < total:
+        rng = mix.Random()
+        size = int(min(8 * kMegabyte, max(0.2 * kMegabyte, rng.lognormvariate(14, 0.9))))
+        mix.Add("ipt", CompoundDocument(rng, segments, size))
+
+
+def MakeCompound(mix, total):
+    parts = kinds.CompoundParts(random.Random(f"{mix.seeds} parts"))
+    while mix.size < total:
+        rng = mix.Random()
+        mix.Add("ipt", kinds.Compound(rng, rng.randrange(50_000, 4 * kMegabyte), parts))
+
+
+def MakeText(mix, total):
+    while mix.size < total:
+        rng = mix.Random()
         size = rng.randrange(1 * kMegabyte, 8 * kMegabyte)
-        data = FacetText(rng, size) if i % 4 == 3 else StepText(rng, size)
-        total -= (folder / f"Modell {i:03}.{'stl' if i % 4 == 3 else 'stp'}").write_bytes(data)
-        i += 1
+        if mix.count % 4 == 3:
+            mix.Add("stl", FacetText(rng, size))
+        else:
+            mix.Add("stp", StepText(rng, size))
 
 
-def MakeSmall(folder, count):
-    segments = Segments(random.Random("segments"))
-    for i in range(count):
-        rng = random.Random(f"small {i}")
+def MakeByKind(mix, total, table, least, most):
+    while mix.size < total:
+        rng = mix.Random()
+        extension = list(table)[mix.count % len(table)]
+        size = rng.randrange(least, most)
+        mix.Add(extension, table[extension](rng, size)[:most])
+
+
+def MakeSmall(mix, count):
+    segments = Segments(random.Random(f"{mix.seeds} segments"))
+    while mix.count < count:
+        rng = mix.Random()
         size = rng.randrange(5000, 40_000)
         kind = rng.choice(("ipt", "ipt", "stp", "stl", "dat", "xml", "png"))
         if kind == "ipt":
@@ -197,15 +228,23 @@ def MakeSmall(folder, count):
                            for n in range(size // 60)).encode()
         else:
             data = b"\x89PNG\r\n\x1a\n" + segments.noise[rng.randrange(kMegabyte):][:size]
-        path = folder / f"{i // 250:02}" / f"Datei {i:04}.{kind}"
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_bytes(data.ljust(5000, b"\0")[:40_000])
+        mix.Add(kind, data.ljust(5000, b"\0")[:40_000])
+
+
+def Main(target, divisor, seeds):
+    def Size(megabytes):
+        return megabytes * kMegabyte // divisor
+
+    MakeCad(Mix(target / "cad", seeds), Size(300))
+    MakeCompound(Mix(target / "compound", seeds), Size(200))
+    MakeText(Mix(target / "text", seeds), Size(150))
+    MakeByKind(Mix(target / "exchange", seeds), Size(60), kinds.kTexts, 500_000, 3 * kMegabyte)
+    MakeSmall(Mix(target / "small", seeds), 5000 // divisor)
+    MakeByKind(Mix(target / "assorted", seeds), Size(100), kinds.kSmall, 5000, 40_000)
+    MakeByKind(Mix(target / "hard", seeds), Size(60), kinds.kHard, 400_000, 2 * kMegabyte)
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
+    if len(sys.argv) != 4:
         sys.exit(__doc__)
-    target, divisor = Path(sys.argv[1]), int(sys.argv[2])
-    MakeCad(target / "cad", 300 * kMegabyte // divisor)
-    MakeText(target / "text", 150 * kMegabyte // divisor)
-    MakeSmall(target / "small", 5000 // divisor)
+    Main(Path(sys.argv[1]), int(sys.argv[2]), sys.argv[3])

@@ -60,7 +60,7 @@ def Measure(mix, ours, folder, runs):
 def Main(ours, folder, runs):
     print("| mix | packer | clock s | processor s | zip's clock | zip's processor | size MB | to zip's | peak MB |")
     print("|---|---|--:|--:|--:|--:|--:|--:|--:|")
-    for mix in ("cad", "text", "small"):
+    for mix in sorted(path.name for path in (folder / "mixes").iterdir()):
         results = Measure(mix, ours, folder, runs)
         clock, processor, _, size = results["zip -6"]
         for name, (ownClock, ownProcessor, memory, ownSize) in results.items():

@@ -16,13 +16,13 @@ echo "bench-packing.sh: measuring the packing of folders"
 "$root/scripts/build.sh" bench pack_folder
 
 bench=$root/build/bench/packing-$divisor
-mixes=$root/scripts/packing/mixes.py
-if ! cmp -s "$mixes" "$bench/mixes.stamp"; then
-    echo "bench-packing.sh: making the mixes (half a minute)"
+mixes=("$root"/benchmarks/packing/{mixes,kinds}.py)
+if ! cmp -s <(cat "${mixes[@]}") "$bench/mixes.stamp"; then
+    echo "bench-packing.sh: making the mixes (two minutes)"
     rm -rf "$bench"
     mkdir -p "$bench"
-    python3 "$mixes" "$bench/mixes" "$divisor"
-    cp "$mixes" "$bench/mixes.stamp"
+    python3 "${mixes[0]}" "$bench/mixes" "$divisor" report
+    cat "${mixes[@]}" >"$bench/mixes.stamp"
 fi
 
 # On one core, and ahead of all other work on the machine where that is permitted.
@@ -31,5 +31,5 @@ if chrt -r 5 true 2>/dev/null; then
     first+=(chrt -r 5)
 fi
 echo "bench-packing.sh: load before: $(cut -d' ' -f1-3 /proc/loadavg), started by: ${first[*]}"
-"${first[@]}" python3 "$root/scripts/packing/measure.py" "$root/build/bench/pack_folder" "$bench" "$runs"
+"${first[@]}" python3 "$root/benchmarks/packing/measure.py" "$root/build/bench/pack_folder" "$bench" "$runs"
 echo "bench-packing.sh: load after: $(cut -d' ' -f1-3 /proc/loadavg)"
