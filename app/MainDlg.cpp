@@ -36,8 +36,8 @@ constexpr int kResultMilliseconds = 1500;
 }  // namespace
 
 TfrmMain::TfrmMain()
-    : TForm(TWindowKind::StatusForm, u"TfrmMain", u"Velmora", kClientWidth, kClientHeight),
-      CloseTimer(kTaskMilliseconds),
+    : TForm(TFormKind::Status, u"TfrmMain", u"Velmora", kClientWidth, kClientHeight),
+      CloseTimer(*this, kTaskMilliseconds),
       clientPanel(*this),
       lbStatus(clientPanel) {
   frmMain = this;
@@ -86,6 +86,7 @@ void TfrmMain::PlaceOver(const TRect& rect) {
 
 void TfrmMain::ShowStatus(TextView text) {
   lbStatus.SetCaption(text);
+  MakeVisible();
   lbStatus.Repaint();
 }
 

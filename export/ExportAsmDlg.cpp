@@ -8,6 +8,7 @@
 #include "platform/Path.h"
 #include "platform/Profile.h"
 #include "platform/System.h"
+#include "resources/Icons.h"
 #include "ui/Application.h"
 
 TfrmExportAsm* frmExportAsm = nullptr;
@@ -52,7 +53,7 @@ UnicodeString DesktopOrMessage() {
 }  // namespace
 
 TfrmExportAsm::TfrmExportAsm(TForm& owner)
-    : TForm(TWindowKind::Dialog, u"TfrmExportAsm", u"Baugruppe exportieren", kClientWidth, kClientHeight,
+    : TForm(TFormKind::Dialog, u"TfrmExportAsm", u"Baugruppe exportieren", kClientWidth, kClientHeight,
             &owner),
       ASMTreeList(*this),
       ASMTreeListcxDBTreeListColumn1(ASMTreeList.AddColumn(
@@ -114,10 +115,10 @@ void TfrmExportAsm::DesignTree() {
 
 void TfrmExportAsm::DesignButtons() {
   btnExpand.SetBounds({8, kButtonTop, 36, kButtonBottom}, kBottomLeft);
-  btnExpand.SetImageOnly(TButtonImage::ExpandAll, u"Alle Knoten öffnen");
+  btnExpand.SetImageOnly(ICON_EXPAND_ALL, u"Alle Knoten öffnen");
   btnExpand.OnClick = [this] { btnExpandClick(); };
   btnCollapse.SetBounds({40, kButtonTop, 68, kButtonBottom}, kBottomLeft);
-  btnCollapse.SetImageOnly(TButtonImage::CollapseAll, u"Alle Knoten schließen");
+  btnCollapse.SetImageOnly(ICON_COLLAPSE_ALL, u"Alle Knoten schließen");
   btnCollapse.OnClick = [this] { btnCollapseClick(); };
 
   cxProgressBar.SetBounds({80, kButtonTop + 2, 700, kButtonBottom - 2}, kBottom);
@@ -127,7 +128,7 @@ void TfrmExportAsm::DesignButtons() {
 
   btnExport.SetBounds({712, kButtonTop, 822, kButtonBottom}, kBottomRight);
   btnExport.SetCaption(u"Exportieren");
-  btnExport.SetImage(TButtonImage::Export);
+  btnExport.SetImage(ICON_EXPORT);
   btnExport.OnClick = [this] { btnExportClick(); };
   btnAbbruch.SetBounds({830, kButtonTop, 931, kButtonBottom}, kBottomRight);
   btnAbbruch.SetCaption(u"Abbruch");

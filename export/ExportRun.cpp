@@ -10,7 +10,7 @@
 #include "platform/Files.h"
 #include "platform/System.h"
 #include "ui/Application.h"
-#include "ui/Screen.h"
+#include "ui/Cursor.h"
 #include "zip/UnfinishedArchive.h"
 #include "zip/ZipArchive.h"
 

@@ -11,7 +11,7 @@ void RunMessageLoop();
 /// Handles messages until `ended` says so, asked after each of them, or the application is terminated. The
 /// dialog's owner takes no input meanwhile; Tab and the arrow keys move between the dialog's children, Enter
 /// and Esc do what a dialog wants.
-void RunModalLoop(TNativeWindow& dialog, const std::function<bool()>& ended);
+void RunModalLoop(const TNativeForm& dialog, const std::function<bool()>& ended);
 
 /// Ends a message box that is open and wakes the message loop. What is still to be painted stays unpainted.
 void PostQuit();
@@ -26,4 +26,4 @@ enum class TBoxIcon { None, Error };
 
 /// A box with the single button OK, above `owner` (null: none). Handles messages until it is closed, timers
 /// included; returns also when the program is asked to end meanwhile.
-void ShowMessageBox(const TNativeWindow* owner, TextView text, TextView caption, TBoxIcon icon);
+void ShowMessageBox(const TNativeForm* owner, TextView text, TextView caption, TBoxIcon icon);
