@@ -4,7 +4,7 @@
 
 #include <map>
 
-#include "platform/windows/LastError.h"
+#include "platform/windows/SystemHandles.h"
 #include "ui/Application.h"
 #include "ui/Form.h"
 
