@@ -33,6 +33,8 @@ constexpr int kHalfHeight = 35;
 constexpr int kTaskMilliseconds = 3600;
 constexpr int kResultMilliseconds = 1500;
 
+constexpr TextView kWriting = u"Ein Dokument wird geschrieben.";
+
 }  // namespace
 
 TfrmMain::TfrmMain()
@@ -123,6 +125,7 @@ void TfrmMain::RunExport(const UnicodeString& file, const TRect& host) {
   {
     TfrmExportAsm dialog(*this);
     dialog.ScaleTo(DpiAt(host));
+    dialog.LimitTo(WorkAreaAt(host));
     dialog.CentreOn(host);
     dialog.ShowModal();
   }
@@ -138,16 +141,19 @@ void TfrmMain::RunHintRemoval(const UnicodeString& file) {
 
 std::int32_t TfrmMain::UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
                                         std::int32_t& /*updatedCount*/) {
+  const TBusyScope busy(kWriting);
   return ::UpdateProperties(fileName, listFileName, {fIndexProp, fIndexHint, fAutoRemoveHint});
 }
 
 bool TfrmMain::ChangeDrawingReference(const UnicodeString& fileName) {
+  const TBusyScope busy(kWriting);
   return ::ChangeDrawingReference(fileName, [] {
     Application->MessageBox(u"Für diesen Befehl muss die IDW Datei vorher mit Inventor Migriert werden.");
   });
 }
 
 bool TfrmMain::RemoveIndexHint(const UnicodeString& fileName) {
+  const TBusyScope busy(kWriting);
   return ::RemoveIndexHint(fileName);
 }
 

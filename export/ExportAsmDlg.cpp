@@ -156,7 +156,7 @@ void TfrmExportAsm::FormShow() {
 
 /// An error in the scan leaves the tree in its update state: nothing half is shown.
 void TfrmExportAsm::FormActivate() {
-  const TBusyScope busy;
+  const TBusyScope busy(u"Die Baugruppe wird noch bearbeitet.");
   ASMTreeList.BeginUpdate();
   fAsmFile = FileNameWithoutFolder(frmMain->AsmFileName);
   fAsmFullFile = frmMain->AsmFileName;
@@ -200,15 +200,12 @@ void TfrmExportAsm::btnExportClick() {
   Close();
 }
 
-/// The keys go to the tree again: the next thing users want is to move in it.
 void TfrmExportAsm::btnCollapseClick() {
   ASMTreeList.FullCollapse();
-  ASMTreeList.SetFocus();
 }
 
 void TfrmExportAsm::btnExpandClick() {
   ASMTreeList.FullExpand();
-  ASMTreeList.SetFocus();
 }
 
 void TfrmExportAsm::ASMTreeListDblClick() {}  // opening a file is the host's business

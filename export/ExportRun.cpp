@@ -34,7 +34,7 @@ class TScopeExit {
 }  // namespace
 
 void TExportRun::Run(const UnicodeString& archive) {
-  const TBusyScope busy;
+  const TBusyScope busy(u"Die Baugruppe wird noch bearbeitet.");
   SetScreenCursor(TCursor::HourGlass);
   const TScopeExit guard([this] {
     SetScreenCursor(TCursor::Default);

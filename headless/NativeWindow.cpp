@@ -28,15 +28,16 @@ struct TNativeWindow::TImpl : headless::TDesktopWindow {
 
   bool OnScreen() const { return Visible && (Parent == nullptr || Parent->OnScreen()); }
   std::string Quoted() const { return "\"" + Utf8FromText(Title) + "\""; }
-  void PaintAll() const {
+  void PaintChanges() {
     if (!Visible) return;
-    Paint();
-    for (const TImpl* child : Children) child->PaintAll();
+    if (std::exchange(Changed, false)) Paint();
+    for (TImpl* child : Children) child->PaintChanges();
   }
 
   TImpl* Parent;  // null for forms, dialogs too
   std::vector<TImpl*> Children{};
   bool Visible = false;
+  bool Changed = true;  // since it was painted
 };
 
 namespace {
@@ -145,11 +146,12 @@ TWindowHandle TNativeWindow::Handle() const {
 
 void TNativeWindow::SetText(TextView text) {
   fImpl->Title = text;
+  fImpl->Changed = true;
   fImpl->TextChanged();
 }
 
 void TNativeWindow::Repaint() {
-  if (fImpl->OnScreen()) fImpl->PaintAll();
+  if (fImpl->OnScreen()) fImpl->PaintChanges();
 }
 
 TNativeForm::TNativeForm(TFormKind kind, TextView, const TNativeForm*, TFormEvents events)
@@ -180,6 +182,7 @@ void TNativeForm::Show() {
   fImpl->Visible = true;
   const std::string kind = Form(*fImpl).Kind == TFormKind::Dialog ? "show dialog " : "show ";
   Machine().Record(kind + Described(fImpl->Bounds));
+  Repaint();
 }
 
 void TNativeForm::Hide() {
@@ -187,7 +190,7 @@ void TNativeForm::Hide() {
   Machine().Record("hide dialog");
 }
 
-void TNativeForm::SetShutdownReason(TextView reason) noexcept {
+void TNativeForm::SetShutdownReason(TextView reason) const {
   Machine().ShutdownReason = reason;
 }
 
@@ -223,6 +226,7 @@ void TNativeBar::SetBar(double begin, double end) {
   auto& bar = static_cast<TBarImpl&>(*fImpl);
   bar.Begin = begin;
   bar.End = end;
+  bar.Changed = true;
 }
 
 namespace headless {

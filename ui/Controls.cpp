@@ -18,7 +18,10 @@ void TButton::SetImageOnly(int icon, TextView hint) {
 }
 
 void TButton::Click() {
-  if (Application->Busy()) return;
+  // Another program's message can come while the first click still has a dialog open.
+  if (Application->Busy() || fClicking) return;
+  fClicking = true;
   if (ModalResult != TModalResult::None) fForm.EndModal(ModalResult);
-  if (OnClick) OnClick();
+  if (OnClick) Application->Guard(OnClick);
+  fClicking = false;
 }

@@ -60,5 +60,6 @@ class TButton : public TControl {
   void Click();
 
   TForm& fForm;
+  bool fClicking = false;
   TNativeButton fWindow;
 };

@@ -1,5 +1,7 @@
 #include "ui/Form.h"
 
+#include <algorithm>
+
 #include "platform/DesktopWindows.h"
 #include "ui/Application.h"
 
@@ -36,6 +38,13 @@ void TForm::Sized(int width, int height, int dpi) {
 
 void TForm::MoveTo(int left, int top) {
   fWindow.SetPosition(left, top);
+}
+
+void TForm::LimitTo(const TRect& area) {
+  const TRect own = WindowRect(Handle()).value_or(TRect());
+  const int tooWide = std::max(own.Width() - area.Width(), 0);
+  const int tooHigh = std::max(own.Height() - area.Height(), 0);
+  fWindow.SetClientSize(fLayout.Width - tooWide, fLayout.Height - tooHigh);
 }
 
 void TForm::CentreOn(const TRect& rect) {

@@ -35,6 +35,8 @@ class TForm {
   /// Sizes the form and arranges its controls for a monitor with `dpi`; Left and Top stay.
   void ScaleTo(int dpi);
   void MoveTo(int left, int top);
+  /// Makes the form, with its frame, no larger than `area`; Left and Top stay.
+  void LimitTo(const TRect& area);
   /// Puts the middle of the form, with its frame, on the middle of `rect`.
   void CentreOn(const TRect& rect);
   /// In pixels at kDesignDpi.
@@ -42,7 +44,7 @@ class TForm {
 
   /// Runs OnShow, hands an error in it to the application, and makes the form visible if it is not yet.
   void Show();
-  /// Puts the form on the screen at its place; without effect when it is visible.
+  /// Puts the form on the screen at its place and paints it; without effect when it is visible.
   void MakeVisible();
   /// Shows the form, and returns when it has been closed or the program ends. Errors in its events go to the
   /// application.

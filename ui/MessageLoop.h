@@ -19,7 +19,7 @@ void PostQuit();
 /// To be called often in a long piece of work: the system sees that the program is alive. Handles no
 /// message that waits, takes none away.
 void KeepAlive() noexcept;
-/// Throws away the keys and clicks that wait.
+/// Throws away the keys, clicks and touches that wait.
 void DiscardInput() noexcept;
 
 enum class TBoxIcon { None, Error };

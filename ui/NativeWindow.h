@@ -26,7 +26,7 @@ class TNativeWindow {
   TWindowHandle Handle() const;
   /// The title of a form, the text of a control. For a screen reader it is the window's name.
   void SetText(TextView text);
-  /// Paints the window and its children before it returns.
+  /// Paints what has changed of the window and its children before it returns.
   void Repaint();
 
   struct TImpl;  ///< the back end's own
@@ -64,14 +64,14 @@ class TNativeForm : public TNativeWindow {
   /// Gives the client area the same size on a monitor with `dpi`; the place stays.
   void ScaleTo(int dpi);
 
-  /// Puts the form on the screen. A status form does not take the input focus: it asks for nothing, and the
-  /// user types on in the host.
+  /// Puts the form on the screen and paints it. A status form does not take the input focus: it asks for
+  /// nothing, and the user types on in the host.
   void Show();
   void Hide();
 
-  /// What the user reads when he signs out meanwhile; empty: nothing. The text alone keeps nobody waiting:
-  /// signing out waits while the application is busy.
-  void SetShutdownReason(TextView reason) noexcept;
+  /// What the user reads when he signs out meanwhile; empty: nothing. It is the application's being busy that
+  /// asks him to wait.
+  void SetShutdownReason(TextView reason) const;
 };
 
 enum class TControlKind {

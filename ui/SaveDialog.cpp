@@ -34,8 +34,11 @@ std::vector<TSaveDialog::TFilter> TSaveDialog::Filters() const {
 bool TSaveDialog::Execute(const TForm& owner) {
   std::optional<UnicodeString> chosen = Ask(owner);
   if (!chosen) return false;
+  const TextView extension = FileExtension(DefaultExt);
+  // Where extensions are hidden the dialog shows the proposal without its own, and may answer so: "4711.01".
+  const bool shortened = UnicodeString(FileNameWithoutFolder(*chosen)).append(extension) == FileName;
   // The system's dialog sees to it only where the filter's pattern suits it.
-  if (FileExtension(*chosen).empty()) chosen->append(FileExtension(DefaultExt));
+  if (shortened || FileExtension(*chosen).empty()) chosen->append(extension);
   FileName = std::move(*chosen);
   return true;
 }

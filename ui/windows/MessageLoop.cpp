@@ -43,8 +43,10 @@ void DiscardInput() noexcept {
   struct {
     UINT First;
     UINT Last;
-  } constexpr kInput[] = {
-      {WM_KEYFIRST, WM_KEYLAST}, {WM_MOUSEFIRST, WM_MOUSELAST}, {WM_NCLBUTTONDOWN, WM_NCXBUTTONDBLCLK}};
+  } constexpr kInput[] = {{WM_KEYFIRST, WM_KEYLAST},
+                          {WM_MOUSEFIRST, WM_MOUSELAST},
+                          {WM_NCLBUTTONDOWN, WM_NCXBUTTONDBLCLK},
+                          {WM_NCPOINTERUPDATE, WM_POINTERHWHEEL}};
   MSG message;
   for (const auto& range : kInput) {
     while (::PeekMessageW(&message, nullptr, range.First, range.Last, PM_REMOVE)) {

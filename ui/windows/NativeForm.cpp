@@ -42,6 +42,7 @@ struct TNativeFormImpl : TNativeWindow::TImpl {
   std::optional<LRESULT> OnCommand(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> OnGetDefId(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> OnActivate(WPARAM wParam, LPARAM lParam);
+  std::optional<LRESULT> OnMouseActivate(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> OnNextDlgCtl(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> OnSetCursor(WPARAM wParam, LPARAM lParam);
   std::optional<LRESULT> OnSysColorChange(WPARAM wParam, LPARAM lParam);
@@ -63,6 +64,7 @@ constexpr TFormMessage kFormMessages[] = {
     {WM_COMMAND, &TNativeFormImpl::OnCommand},
     {DM_GETDEFID, &TNativeFormImpl::OnGetDefId},
     {WM_ACTIVATE, &TNativeFormImpl::OnActivate},
+    {WM_MOUSEACTIVATE, &TNativeFormImpl::OnMouseActivate},
     {WM_NEXTDLGCTL, &TNativeFormImpl::OnNextDlgCtl},
     {WM_SETCURSOR, &TNativeFormImpl::OnSetCursor},
     {WM_SYSCOLORCHANGE, &TNativeFormImpl::OnSysColorChange},
@@ -129,13 +131,15 @@ void TNativeFormImpl::ReportSize() {
   Application->Guard([&] { Events.OnSized(client.right, client.bottom, Dpi); });
 }
 
+/// Another program that sends this message, and does not post it, reaches the form in the middle of its work.
 std::optional<LRESULT> TNativeFormImpl::OnClose(WPARAM, LPARAM) {
+  if (Application->Busy()) return 0;
   Application->Guard(Events.OnClose);
   WakeModalLoop();
   return 0;
 }
 
-/// Half an export would leave its remains behind. The user may still insist.
+/// Work that ends half done leaves its remains behind. The user may still insist.
 std::optional<LRESULT> TNativeFormImpl::OnQueryEndSession(WPARAM, LPARAM) {
   if (!Application->Busy()) return std::nullopt;
   return FALSE;
@@ -191,6 +195,12 @@ std::optional<LRESULT> TNativeFormImpl::OnActivate(WPARAM wParam, LPARAM) {
   if (!::IsWindow(LastFocus)) LastFocus = ::GetNextDlgTabItem(Window.Get(), nullptr, FALSE);
   ::SetFocus(LastFocus);
   return 0;
+}
+
+/// A click on the status window would take the keyboard from the host.
+std::optional<LRESULT> TNativeFormImpl::OnMouseActivate(WPARAM, LPARAM) {
+  if (Kind == TFormKind::Status) return MA_NOACTIVATE;
+  return std::nullopt;
 }
 
 std::optional<LRESULT> TNativeFormImpl::OnNextDlgCtl(WPARAM wParam, LPARAM lParam) {
@@ -255,12 +265,18 @@ void TNativeForm::Show() {
     // Not ShowWindow: the first one of a process does what the starting program has asked for.
     ::SetWindowPos(fImpl->Window.Get(), HWND_TOP, 0, 0, 0, 0, kShow);
     ::SetForegroundWindow(fImpl->Window.Get());
-    Repaint();
   }
+  Repaint();
 }
 
 void TNativeForm::Hide() {
   ::ShowWindow(fImpl->Window.Get(), SW_HIDE);
 }
 
-void TNativeForm::SetShutdownReason(TextView) noexcept {}
+void TNativeForm::SetShutdownReason(TextView reason) const {
+  if (reason.empty()) {
+    ::ShutdownBlockReasonDestroy(fImpl->Window.Get());
+  } else {
+    ::ShutdownBlockReasonCreate(fImpl->Window.Get(), Wide(UnicodeString(reason)));
+  }
+}

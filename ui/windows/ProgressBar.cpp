@@ -27,8 +27,10 @@ TBarImpl& Bar(TNativeWindow::TImpl& impl) {
 }
 
 LRESULT CALLBACK TBarImpl::BarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  const TBarImpl& self = Bar(*Of(window));
   if (message == WM_ERASEBKGND) return 1;
+  TImpl* const impl = Of(window);
+  if (impl == nullptr) return ::DefWindowProcW(window, message, wParam, lParam);
+  const TBarImpl& self = Bar(*impl);
   if (message == WM_PAINT) {
     const TPaintScope paint(window);
     RECT area{};
