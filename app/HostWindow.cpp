@@ -24,5 +24,5 @@ TRect HostRect(TWindowHandle own) {
   if (const TWindowHandle host = FindHostWindow(own, kHostTitleWord)) {
     if (const auto rect = WindowRect(host)) return *rect;
   }
-  return NearestWorkArea(own);
+  return WorkAreaAt(WindowRect(own).value_or(TRect()));
 }

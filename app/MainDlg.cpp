@@ -33,11 +33,13 @@ constexpr int kHalfHeight = 35;
 constexpr int kTaskMilliseconds = 3600;
 constexpr int kResultMilliseconds = 1500;
 
+constexpr TextView kWriting = u"Ein Dokument wird geschrieben.";
+
 }  // namespace
 
 TfrmMain::TfrmMain()
-    : TForm(TWindowKind::StatusForm, u"TfrmMain", u"Velmora", kClientWidth, kClientHeight),
-      CloseTimer(kTaskMilliseconds),
+    : TForm(TFormKind::Status, u"TfrmMain", u"Velmora", kClientWidth, kClientHeight),
+      CloseTimer(*this, kTaskMilliseconds),
       clientPanel(*this),
       lbStatus(clientPanel) {
   frmMain = this;
@@ -86,6 +88,7 @@ void TfrmMain::PlaceOver(const TRect& rect) {
 
 void TfrmMain::ShowStatus(TextView text) {
   lbStatus.SetCaption(text);
+  MakeVisible();
   lbStatus.Repaint();
 }
 
@@ -122,6 +125,7 @@ void TfrmMain::RunExport(const UnicodeString& file, const TRect& host) {
   {
     TfrmExportAsm dialog(*this);
     dialog.ScaleTo(DpiAt(host));
+    dialog.LimitTo(WorkAreaAt(host));
     dialog.CentreOn(host);
     dialog.ShowModal();
   }
@@ -137,16 +141,19 @@ void TfrmMain::RunHintRemoval(const UnicodeString& file) {
 
 std::int32_t TfrmMain::UpdateProperties(const UnicodeString& fileName, const UnicodeString& listFileName,
                                         std::int32_t& /*updatedCount*/) {
+  const TBusyScope busy(kWriting);
   return ::UpdateProperties(fileName, listFileName, {fIndexProp, fIndexHint, fAutoRemoveHint});
 }
 
 bool TfrmMain::ChangeDrawingReference(const UnicodeString& fileName) {
+  const TBusyScope busy(kWriting);
   return ::ChangeDrawingReference(fileName, [] {
     Application->MessageBox(u"Für diesen Befehl muss die IDW Datei vorher mit Inventor Migriert werden.");
   });
 }
 
 bool TfrmMain::RemoveIndexHint(const UnicodeString& fileName) {
+  const TBusyScope busy(kWriting);
   return ::RemoveIndexHint(fileName);
 }
 

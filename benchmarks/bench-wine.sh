@@ -81,7 +81,7 @@ timer() {
         "$(windowsPath "$build/bare_program.exe")" "${@:2}" </dev/null &
     wait $!
 }
-timer start_timer "$(windowsPath "$bench")" "$runs"
+timer start_timer "$(windowsPath "$root/build/windows/bare_window.exe")" "$(windowsPath "$bench")" "$runs"
 echo
 timer dialog_timer $(((runs + 3) / 4)) "${assemblies[@]}"
 echo "bench-wine.sh: load after: $(cut -d' ' -f1-3 /proc/loadavg)"

@@ -12,8 +12,8 @@
 #include "platform/FileOperations.h"
 #include "platform/Path.h"
 #include "resources/Icons.h"
+#include "ui/Cursor.h"
 #include "ui/MessageLoop.h"
-#include "ui/Screen.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include "platform/Path.h"
 #include "platform/Profile.h"
 #include "platform/System.h"
+#include "resources/Icons.h"
 #include "ui/Application.h"
 
 TfrmExportAsm* frmExportAsm = nullptr;
@@ -54,7 +55,7 @@ UnicodeString DesktopOrMessage() {
 }  // namespace
 
 TfrmExportAsm::TfrmExportAsm(TForm& owner)
-    : TForm(TWindowKind::Dialog, u"TfrmExportAsm", u"Baugruppe exportieren", kClientWidth, kClientHeight,
+    : TForm(TFormKind::Dialog, u"TfrmExportAsm", u"Baugruppe exportieren", kClientWidth, kClientHeight,
             &owner),
       ASMTreeList(*this),
       ASMTreeListcxDBTreeListColumn1(ASMTreeList.AddColumn(
@@ -116,10 +117,10 @@ void TfrmExportAsm::DesignTree() {
 
 void TfrmExportAsm::DesignButtons() {
   btnExpand.SetBounds({8, kButtonTop, 36, kButtonBottom}, kBottomLeft);
-  btnExpand.SetImageOnly(TButtonImage::ExpandAll, u"Alle Knoten öffnen");
+  btnExpand.SetImageOnly(ICON_EXPAND_ALL, u"Alle Knoten öffnen");
   btnExpand.OnClick = [this] { btnExpandClick(); };
   btnCollapse.SetBounds({40, kButtonTop, 68, kButtonBottom}, kBottomLeft);
-  btnCollapse.SetImageOnly(TButtonImage::CollapseAll, u"Alle Knoten schließen");
+  btnCollapse.SetImageOnly(ICON_COLLAPSE_ALL, u"Alle Knoten schließen");
   btnCollapse.OnClick = [this] { btnCollapseClick(); };
 
   cxProgressBar.SetBounds({80, kButtonTop + 2, 700, kButtonBottom - 2}, kBottom);
@@ -129,7 +130,7 @@ void TfrmExportAsm::DesignButtons() {
 
   btnExport.SetBounds({712, kButtonTop, 822, kButtonBottom}, kBottomRight);
   btnExport.SetCaption(u"Exportieren");
-  btnExport.SetImage(TButtonImage::Export);
+  btnExport.SetImage(ICON_EXPORT);
   btnExport.OnClick = [this] { btnExportClick(); };
   btnAbbruch.SetBounds({830, kButtonTop, 931, kButtonBottom}, kBottomRight);
   btnAbbruch.SetCaption(u"Abbruch");
@@ -157,7 +158,7 @@ void TfrmExportAsm::FormShow() {
 
 /// An error in the scan leaves the tree in its update state: nothing half is shown.
 void TfrmExportAsm::FormActivate() {
-  const TBusyScope busy;
+  const TBusyScope busy(u"Die Baugruppe wird noch bearbeitet.");
   ASMTreeList.BeginUpdate();
   fAsmFile = StagedName(frmMain->AsmFileName);
   fAsmFullFile = frmMain->AsmFileName;
@@ -214,15 +215,12 @@ void TfrmExportAsm::btnExportClick() {
   Close();
 }
 
-/// The keys go to the tree again: the next thing users want is to move in it.
 void TfrmExportAsm::btnCollapseClick() {
   ASMTreeList.FullCollapse();
-  ASMTreeList.SetFocus();
 }
 
 void TfrmExportAsm::btnExpandClick() {
   ASMTreeList.FullExpand();
-  ASMTreeList.SetFocus();
 }
 
 void TfrmExportAsm::ASMTreeListDblClick() {}  // opening a file is the host's business

@@ -68,7 +68,7 @@ class TfrmExportAsm : public TForm {
   UnicodeString fAsmFullFile;
   UnicodeString fAssemblyName;  // as the assembly calls itself, or else its file name
   UnicodeString fScanFailure;   // why the scan has broken off; empty: it came to its end
-  TExistingFiles fFiles;  // as the last scan has seen them
+  TExistingFiles fFiles;        // as the last scan has seen them
 };
 
 /// The export dialog while it is open.

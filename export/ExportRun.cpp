@@ -7,8 +7,8 @@
 #include "platform/Files.h"
 #include "platform/System.h"
 #include "ui/Application.h"
+#include "ui/Cursor.h"
 #include "ui/MessageLoop.h"
-#include "ui/Screen.h"
 #include "zip/UnfinishedArchive.h"
 #include "zip/ZipArchive.h"
 
@@ -36,7 +36,7 @@ TExportRun::TExportRun(TTreeList& tree, TQuery& files, TProgressBar& bar)
     : fTree(tree), fFiles(files), fBar(bar), fExisting([] { KeepAlive(); }) {}
 
 void TExportRun::Run(const UnicodeString& archive) {
-  const TBusyScope busy;
+  const TBusyScope busy(u"Die Baugruppe wird noch bearbeitet.");
   SetScreenCursor(TCursor::HourGlass);
   const TScopeExit guard([this] {
     SetScreenCursor(TCursor::Default);

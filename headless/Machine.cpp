@@ -74,7 +74,7 @@ std::optional<TRect> WindowRect(TWindowHandle window) {
   return found != nullptr ? std::optional(found->Bounds) : std::nullopt;
 }
 
-TRect NearestWorkArea(TWindowHandle) {
+TRect WorkAreaAt(const TRect&) {
   return Machine().WorkArea;
 }
 

@@ -35,7 +35,8 @@ struct TMachine {
   std::vector<TDesktopWindow*> ZOrder;  ///< topmost first; not owned
   TRect WorkArea{0, 0, 1280, 1024};
   int Dpi = kDesignDpi;
-  bool HourGlass = false;  ///< the mouse cursor over the program's windows
+  bool HourGlass = false;        ///< the mouse cursor over the program's windows
+  UnicodeString ShutdownReason;  ///< what a user reads who signs out now
 
   /// Creates the class and answers for the interface; empty: no class is registered. Throws what a failed
   /// creation throws.

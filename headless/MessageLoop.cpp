@@ -6,7 +6,9 @@
 
 #include "headless/Machine.h"
 #include "ui/Application.h"
-#include "ui/NativeTimer.h"
+#include "ui/Cursor.h"
+#include "ui/SaveDialog.h"
+#include "ui/Timer.h"
 
 using headless::Machine;
 
@@ -15,12 +17,12 @@ namespace {
 struct TRunningTimer {
   int Interval;
   std::int64_t Due;
-  std::function<void()> OnElapsed;
+  const std::function<void()>* OnElapsed;
 };
 
 struct TQueue {
-  std::map<TTimerId, TRunningTimer> Timers;
-  TTimerId LastId = 0;
+  std::map<std::uintptr_t, TRunningTimer> Timers;
+  std::uintptr_t LastId = 0;
   bool Quit = false;
 };
 
@@ -38,22 +40,22 @@ bool RunNextTimer(std::optional<std::int64_t> limit) {
   TRunningTimer& timer = next->second;
   Machine().Now = std::max(Machine().Now, timer.Due);
   timer.Due = Machine().Now + timer.Interval;
-  const std::function<void()> onElapsed = timer.OnElapsed;  // the event may stop its own timer
-  Application->Guard(onElapsed);
+  Application->Guard(*timer.OnElapsed);
   return true;
 }
 
 }  // namespace
 
-TTimerId StartNativeTimer(int milliseconds, std::function<void()> onElapsed) {
+void TTimer::Enable() {
+  Disable();
   headless::ThrowIfFails("StartTimer");
-  const TTimerId id = ++Queue().LastId;
-  Queue().Timers.emplace(id, TRunningTimer{milliseconds, Machine().Now + milliseconds, std::move(onElapsed)});
-  return id;
+  fId = ++Queue().LastId;
+  Queue().Timers.emplace(fId, TRunningTimer{fInterval, Machine().Now + fInterval, &OnTimer});
 }
 
-void StopNativeTimer(TTimerId id) {
-  Queue().Timers.erase(id);
+void TTimer::Disable() noexcept {
+  Queue().Timers.erase(fId);
+  fId = 0;
 }
 
 void PostQuit() {
@@ -62,7 +64,7 @@ void PostQuit() {
 
 /// The user does one thing after the other with the dialog. Where nothing is left that could ever happen, the
 /// log says "dialog idle" and the loop ends, so that a test can go on.
-void RunModalLoop(TNativeWindow&, const std::function<bool()>& ended) {
+void RunModalLoop(const TNativeForm&, const std::function<bool()>& ended) {
   while (!Queue().Quit && !ended()) {
     auto& actions = Machine().UserActions;
     if (!actions.empty()) {
@@ -91,7 +93,7 @@ void RunMessageLoop() {
   Queue().Quit = false;
 }
 
-void ShowMessageBox(const TNativeWindow* owner, TextView text, TextView caption, TBoxIcon icon) {
+void ShowMessageBox(const TNativeForm* owner, TextView text, TextView caption, TBoxIcon icon) {
   Machine().Record(std::string(icon == TBoxIcon::Error ? "error" : "plain") + " box" +
                    (owner != nullptr ? "" : " without owner") + " \"" + Utf8FromText(caption) +
                    "\": " + Utf8FromText(text));
@@ -105,4 +107,28 @@ void ShowMessageBox(const TNativeWindow* owner, TextView text, TextView caption,
   }
   if (closing && !Queue().Quit) Machine().Now = std::max(Machine().Now, *closing);
   Machine().Record(Queue().Quit ? "box ended by quit" : closing ? "box closed" : "box stays");
+}
+
+std::optional<UnicodeString> TSaveDialog::Ask(const TForm&) const {
+  headless::ThrowIfFails("SaveDialog");
+  std::string filters;
+  for (const TFilter& filter : Filters()) {
+    filters += " " + Utf8FromText(filter.Description) + "=" + Utf8FromText(filter.Pattern);
+  }
+  Machine().Record("save dialog \"" + Utf8FromText(Title) + "\" " + Utf8FromText(InitialDir) + " | " +
+                   Utf8FromText(FileName) + " |" + filters + " | " + Utf8FromText(Extension()));
+  auto& answers = Machine().SaveAnswers;
+  if (answers.empty()) return std::nullopt;
+  std::optional<UnicodeString> answer = answers.front();
+  answers.pop_front();
+  return answer;
+}
+
+void SetScreenCursor(TCursor cursor) {
+  Machine().HourGlass = cursor == TCursor::HourGlass;
+  Machine().Record(Machine().HourGlass ? "cursor hourglass" : "cursor default");
+}
+
+TCursor ScreenCursor() {
+  return Machine().HourGlass ? TCursor::HourGlass : TCursor::Default;
 }

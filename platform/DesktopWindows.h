@@ -20,7 +20,8 @@ UnicodeString WindowTitle(TWindowHandle window);
 /// The window with its frame, in screen pixels; nothing when it has vanished.
 std::optional<TRect> WindowRect(TWindowHandle window);
 
-/// The work area (screen without the task bar) of the monitor that is nearest to the window.
-TRect NearestWorkArea(TWindowHandle window);
-/// Dots per inch of the monitor that holds most of `rect` or is nearest to it.
+// Of the monitor that holds most of `rect` or is nearest to it.
+/// The screen without the task bar.
+TRect WorkAreaAt(const TRect& rect);
+/// Dots per inch.
 int DpiAt(const TRect& rect);

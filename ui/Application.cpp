@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <new>
+#include <utility>
 
 #include "platform/Error.h"
 #include "ui/Form.h"
@@ -23,6 +24,21 @@ UnicodeString CurrentErrorText() {
   } catch (...) {
     return u"Interner Fehler";
   }
+}
+
+/// What a box can show: the system ends a text at its first NUL, and makes the box as high as the text.
+UnicodeString BoxText(TextView text) {
+  constexpr std::size_t kMostCharacters = 2048;
+  constexpr int kMostLines = 40;
+  UnicodeString shown;
+  int lines = 0;
+  for (const char16_t c : text) {
+    if (c == u'\0') continue;
+    const bool newLine = c == u'\r' || (c == u'\n' && !shown.ends_with(u'\r'));
+    if (shown.size() == kMostCharacters || (newLine && ++lines == kMostLines)) return shown + u"…";
+    shown.push_back(c);
+  }
+  return shown.empty() ? u"Unbekannter Fehler" : shown;
 }
 
 }  // namespace
@@ -62,8 +78,14 @@ void TApplication::Forget(const TForm& form) noexcept {
 }
 
 void TApplication::MessageBox(TextView text, TBoxIcon icon, TextView caption) {
-  const TForm* owner = fActiveForm != nullptr ? fActiveForm : fMainForm;
-  ShowMessageBox(owner != nullptr ? &owner->Window() : nullptr, text, caption, icon);
+  const TForm* owner = FrontForm();
+  const UnicodeString shown = BoxText(text);
+  const struct TPause {
+    int& Busy;
+    int Before = std::exchange(Busy, 0);
+    ~TPause() { Busy = Before; }
+  } pause{fBusy};
+  ShowMessageBox(owner != nullptr ? &owner->Window() : nullptr, shown, caption, icon);
 }
 
 void TApplication::HandleException() noexcept {
@@ -72,4 +94,15 @@ void TApplication::HandleException() noexcept {
     MessageBox(CurrentErrorText(), TBoxIcon::Error);
   } catch (...) {  // Not even the box can be shown: there is nobody left to tell.
   }
+}
+
+TBusyScope::TBusyScope(TextView reason) : fForm(Application->FrontForm()) {
+  if (fForm != nullptr) fForm->Window().SetShutdownReason(reason);
+  ++Application->fBusy;
+}
+
+TBusyScope::~TBusyScope() {
+  if (--Application->fBusy > 0) return;
+  if (fForm != nullptr) fForm->Window().SetShutdownReason({});
+  DiscardInput();
 }

@@ -33,7 +33,8 @@ class TApplication {
   /// True within a TBusyScope: a long piece of work runs inside an event, and no other event may begin.
   bool Busy() const noexcept { return fBusy > 0; }
 
-  /// A box with the button OK and the program's title, above the active form.
+  /// A box with the button OK and the program's title, above the active form. While it is open the program is
+  /// not busy. A text that would fill the screen is cut.
   void MessageBox(TextView text, TBoxIcon icon = TBoxIcon::None) { MessageBox(text, icon, fTitle); }
   void MessageBox(TextView text, TBoxIcon icon, TextView caption);
 
@@ -54,6 +55,9 @@ class TApplication {
  private:
   friend class TBusyScope;
 
+  /// The form that the user works with; null before the first one.
+  const TForm* FrontForm() const noexcept { return fActiveForm != nullptr ? fActiveForm : fMainForm; }
+
   UnicodeString fTitle;
   TForm* fMainForm = nullptr;
   // A variable of ours, not the system's activation: coming back from another program is no change of form.
@@ -64,13 +68,16 @@ class TApplication {
 
 extern TApplication* Application;
 
-/// Around a long piece of work in an event. What the user types and clicks meanwhile is dropped at the end.
+/// Around a long piece of work in an event. What the user types and clicks meanwhile is dropped at the end,
+/// what other programs send is dropped at once, and signing out is asked to wait.
 class TBusyScope {
  public:
-  TBusyScope() noexcept { ++Application->fBusy; }
-  ~TBusyScope() {
-    if (--Application->fBusy == 0) DiscardInput();
-  }
+  /// `reason` tells the user who signs out what is being done.
+  explicit TBusyScope(TextView reason);
+  ~TBusyScope();
   TBusyScope(const TBusyScope&) = delete;
   TBusyScope& operator=(const TBusyScope&) = delete;
+
+ private:
+  const TForm* fForm;
 };

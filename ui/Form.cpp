@@ -1,24 +1,18 @@
 #include "ui/Form.h"
 
-#include <optional>
+#include <algorithm>
 
 #include "platform/DesktopWindows.h"
 #include "ui/Application.h"
-#include "ui/Controls.h"
 
-TForm::TForm(TWindowKind kind, TextView className, TextView caption, int clientWidth, int clientHeight,
+TForm::TForm(TFormKind kind, TextView className, TextView caption, int clientWidth, int clientHeight,
              TForm* owner)
-    : fWindow(kind, className, owner != nullptr ? &owner->fWindow : nullptr,
+    : fLayout{.DesignedWidth = clientWidth, .DesignedHeight = clientHeight},
+      fWindow(kind, className, owner != nullptr ? &owner->fWindow : nullptr,
               {.OnClose = [this] { Close(); },
-               .OnDpiChanged = [this](int dpi) { ScaleTo(dpi); },
-               .OnSized = [this](int width, int height) { Sized(width, height); },
-               .OnClick = {}}),
-      fDesignedWidth(clientWidth),
-      fDesignedHeight(clientHeight),
-      fClientWidth(clientWidth),
-      fClientHeight(clientHeight) {
+               .OnSized = [this](int width, int height, int dpi) { Sized(width, height, dpi); }}) {
   SetCaption(caption);
-  fWindow.SetClientSize(fClientWidth, fClientHeight, fDpi);
+  fWindow.SetClientSize(clientWidth, clientHeight);
 }
 
 TForm::~TForm() {
@@ -31,39 +25,26 @@ void TForm::SetCaption(TextView caption) {
 }
 
 void TForm::ScaleTo(int dpi) {
-  if (dpi == fDpi) return;
-  // What the user has made of the size keeps its proportion.
-  const auto scaled = [this, dpi](int length) { return (length * dpi + fDpi / 2) / fDpi; };
-  const int width = scaled(fClientWidth);
-  const int height = scaled(fClientHeight);
-  fDpi = dpi;
-  SetLeastClientSize(fLeastWidth, fLeastHeight);
-  // Before the window hears of it: the system makes no window larger than the screen, and Sized tells then.
-  fClientWidth = width;
-  fClientHeight = height;
-  fWindow.SetClientSize(width, height, dpi);
-  LayoutControls();
+  if (dpi != fLayout.Dpi) fWindow.ScaleTo(dpi);
 }
 
-void TForm::Sized(int width, int height) {
-  if (width == fClientWidth && height == fClientHeight) return;
-  fClientWidth = width;
-  fClientHeight = height;
-  LayoutControls();
-}
-
-void TForm::LayoutControls() {
-  for (TControl* control : fControls) control->Layout();
-}
-
-void TForm::SetLeastClientSize(int width, int height) {
-  fLeastWidth = width;
-  fLeastHeight = height;
-  fWindow.SetLeastClientSize(ScaledToDpi(width, fDpi), ScaledToDpi(height, fDpi), fDpi);
+void TForm::Sized(int width, int height, int dpi) {
+  if (width == fLayout.Width && height == fLayout.Height && dpi == fLayout.Dpi) return;
+  fLayout.Width = width;
+  fLayout.Height = height;
+  fLayout.Dpi = dpi;
+  for (TControl* control : fLayout.Controls) control->Arrange();
 }
 
 void TForm::MoveTo(int left, int top) {
   fWindow.SetPosition(left, top);
+}
+
+void TForm::LimitTo(const TRect& area) {
+  const TRect own = WindowRect(Handle()).value_or(TRect());
+  const int tooWide = std::max(own.Width() - area.Width(), 0);
+  const int tooHigh = std::max(own.Height() - area.Height(), 0);
+  fWindow.SetClientSize(fLayout.Width - tooWide, fLayout.Height - tooHigh);
 }
 
 void TForm::CentreOn(const TRect& rect) {

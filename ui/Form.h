@@ -1,11 +1,8 @@
 #pragma once
 
 #include <functional>
-#include <vector>
 
-#include "ui/NativeWindow.h"
-
-class TControl;
+#include "ui/Control.h"
 
 /// How a modal form was closed.
 enum class TModalResult { None, Cancel, Abort };
@@ -15,7 +12,7 @@ enum class TModalResult { None, Cancel, Abort };
 class TForm {
  public:
   /// `owner` outlives the form; only a dialog has one.
-  TForm(TWindowKind kind, TextView className, TextView caption, int clientWidth, int clientHeight,
+  TForm(TFormKind kind, TextView className, TextView caption, int clientWidth, int clientHeight,
         TForm* owner = nullptr);
   ~TForm();
   TForm(const TForm&) = delete;
@@ -24,27 +21,30 @@ class TForm {
   std::function<void()> OnCreate;
   std::function<void()> OnShow;
   /// The form has become the active one among the program's own forms. Coming back from a message box,
-  /// another dialog of the system or another program is none of that.
+  /// another dialog of the system or another program does not count.
   std::function<void()> OnActivate;
   /// A modal form closes.
   std::function<void()> OnClose;
 
   TWindowHandle Handle() const { return fWindow.Handle(); }
-  const TNativeWindow& Window() const noexcept { return fWindow; }
+  const TNativeForm& Window() const noexcept { return fWindow; }
+  TFormLayout& Layout() noexcept { return fLayout; }
   void SetCaption(TextView caption);
   const UnicodeString& Caption() const noexcept { return fCaption; }
 
-  /// Sizes the form and lays out its controls for a monitor with `dpi`; Left and Top stay.
+  /// Sizes the form and arranges its controls for a monitor with `dpi`; Left and Top stay.
   void ScaleTo(int dpi);
   void MoveTo(int left, int top);
+  /// Makes the form, with its frame, no larger than `area`; Left and Top stay.
+  void LimitTo(const TRect& area);
   /// Puts the middle of the form, with its frame, on the middle of `rect`.
   void CentreOn(const TRect& rect);
   /// In pixels at kDesignDpi.
-  void SetLeastClientSize(int width, int height);
+  void SetLeastClientSize(int width, int height) { fWindow.SetLeastClientSize(width, height); }
 
   /// Runs OnShow, hands an error in it to the application, and makes the form visible if it is not yet.
   void Show();
-  /// Puts the form on the screen where it stands now; without effect when it is visible.
+  /// Puts the form on the screen at its place and paints it; without effect when it is visible.
   void MakeVisible();
   /// Shows the form, and returns when it has been closed or the program ends. Errors in its events go to the
   /// application.
@@ -56,20 +56,11 @@ class TForm {
   void EndModal(TModalResult result) noexcept { fModalResult = result; }
 
  private:
-  friend class TControl;
-  void Sized(int width, int height);
-  void LayoutControls();
+  void Sized(int width, int height, int dpi);
 
-  TNativeWindow fWindow;
+  TFormLayout fLayout;
+  TNativeForm fWindow;
   UnicodeString fCaption;
-  std::vector<TControl*> fControls;
-  int fDesignedWidth;
-  int fDesignedHeight;
-  int fClientWidth;  // in pixels
-  int fClientHeight;
-  int fLeastWidth = 0;  // as designed
-  int fLeastHeight = 0;
-  int fDpi = kDesignDpi;
   bool fVisible = false;
   TModalResult fModalResult = TModalResult::None;
 };

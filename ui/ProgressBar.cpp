@@ -18,18 +18,18 @@ double PingPongBegin() {
 
 }  // namespace
 
-TProgressBar::TProgressBar(TForm& form) : TControl(TWindowKind::ProgressBar, form) {}
+TProgressBar::TProgressBar(TForm& form) : TControl(form.Layout()), fWindow(form.Window()) {}
 
 void TProgressBar::Repaint() {
   if (fStyle == TProgressTextStyle::Text) {
     const double begin = PingPongBegin();
-    Window().SetBar(begin, begin + kPingPongWidth);
-    Window().SetText(fText);
+    fWindow.SetBar(begin, begin + kPingPongWidth);
+    fWindow.SetText(fText);
   } else {
     const int max = std::max(fMax, 1);
     const int position = std::clamp(fPosition, 0, max);
-    Window().SetBar(0, static_cast<double>(position) / max);
-    Window().SetText(DecimalText(std::int64_t{100} * position / max) + u" %");
+    fWindow.SetBar(0, static_cast<double>(position) / max);
+    fWindow.SetText(DecimalText(std::int64_t{100} * position / max) + u" %");
   }
-  Window().Repaint();
+  fWindow.Repaint();
 }

@@ -7,11 +7,12 @@ enum class TProgressTextStyle {
   Text,     ///< a bar that moves to and fro, and the text
 };
 
-/// Shows how far a long piece of work is. It changes on the screen with Repaint alone: the work that it tells
-/// of keeps the message loop from running, so nothing here waits for a timer.
+/// Shows how far a long piece of work is. It changes on the screen with Repaint only: the work keeps the
+/// message loop from running, so nothing here waits for a timer.
 class TProgressBar : public TControl {
  public:
   explicit TProgressBar(TForm& form);
+  TNativeControl& Window() noexcept override { return fWindow; }
 
   void SetText(TextView text) { fText = text; }
   void SetMax(int max) { fMax = max; }
@@ -25,4 +26,5 @@ class TProgressBar : public TControl {
   TProgressTextStyle fStyle = TProgressTextStyle::Text;
   int fMax = 100;
   int fPosition = 0;
+  TNativeBar fWindow;
 };

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include "platform/Text.h"
 
 class TForm;
@@ -8,11 +11,25 @@ class TForm;
 class TSaveDialog {
  public:
   UnicodeString Title;
-  UnicodeString InitialDir;  ///< empty: where the user was last
-  UnicodeString FileName;    ///< what is proposed, and afterwards the full path that was chosen
-  UnicodeString DefaultExt;  ///< a pattern such as "*.txt": its extension goes behind a name that has none
-  UnicodeString Filter;      ///< descriptions and patterns by turns, with "|" between them
+  UnicodeString InitialDir;  ///< empty, or a folder that does not exist: where the user was last
+  UnicodeString FileName;    ///< the proposal without folder; after Execute the full path that was chosen
+  UnicodeString DefaultExt;  ///< a pattern such as "*.txt": a name without extension gets this one
+  UnicodeString Filter;      ///< pairs of description and pattern, with "|" between all of them
 
-  /// False when the user cancels; FileName then stays. Throws EError of kind System.
+  /// Handles messages until the dialog is closed. False when the user cancels; FileName then stays. Throws
+  /// EError of kind System.
   bool Execute(const TForm& owner);
+
+ private:
+  struct TFilter {
+    UnicodeString Description;
+    UnicodeString Pattern;
+  };
+
+  /// Of DefaultExt, without dot; may be empty.
+  TextView Extension() const;
+  std::vector<TFilter> Filters() const;
+  /// The system's dialog above `owner`, by the back end: the path that was chosen, nothing when the user
+  /// cancels.
+  std::optional<UnicodeString> Ask(const TForm& owner) const;
 };

@@ -1,25 +1,31 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
-#include "ui/NativeTimer.h"
+class TForm;
 
-/// Calls OnTimer again and again while it is enabled. Enabling starts the interval from its beginning.
+/// Calls OnTimer from the message loop again and again while it is enabled. Errors that leave OnTimer go to
+/// the application's default handling.
 class TTimer {
  public:
-  explicit TTimer(int intervalMilliseconds) : fInterval(intervalMilliseconds) {}
+  /// `form` outlives the timer.
+  TTimer(const TForm& form, int intervalMilliseconds) : fForm(form), fInterval(intervalMilliseconds) {}
   ~TTimer() { Disable(); }
   TTimer(const TTimer&) = delete;
   TTimer& operator=(const TTimer&) = delete;
 
   std::function<void()> OnTimer;
 
+  /// Starts the interval from its beginning. Throws EError of kind System.
   void Enable();
-  void Disable();
+  /// No event follows, not even one that is due already. May be called from OnTimer.
+  void Disable() noexcept;
   /// Takes effect with the next Enable.
   void SetInterval(int milliseconds) { fInterval = milliseconds; }
 
  private:
+  const TForm& fForm;
   int fInterval;
-  TTimerId fId = 0;
+  std::uintptr_t fId = 0;  // 0: disabled; none is used twice, so that a late message of an old one is known
 };

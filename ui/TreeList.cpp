@@ -59,7 +59,8 @@ UnicodeString TTreeColumn::KnownWarning(const UnicodeString& value) const {
   return known == fWarnings.end() ? UnicodeString() : known->second;
 }
 
-TTreeList::TTreeList(TForm& form) : TControl(TWindowKind::TreeList, form), fNative(Window(), Events()) {
+TTreeList::TTreeList(TForm& form)
+    : TControl(form.Layout()), fWindow(TControlKind::Ground, form.Window()), fNative(fWindow, Events()) {
   TTreeList::Arranged();
   ShowCurrent();
 }

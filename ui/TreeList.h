@@ -71,6 +71,7 @@ class TTreeList : public TControl {
  public:
   explicit TTreeList(TForm& form);
   ~TTreeList() override;
+  TNativeControl& Window() noexcept override { return fWindow; }
 
   UnicodeString KeyField;
   UnicodeString ParentField;
@@ -151,6 +152,7 @@ class TTreeList : public TControl {
   // alone.
   int fTreeNeeds = 0;
   int fTreeTextNeeds = 0;
-  int fIndentLimit = 0;     // deeper levels are drawn at this indent
+  int fIndentLimit = 0;  // deeper levels are drawn at this indent
+  TNativeControl fWindow;
   TNativeTreeList fNative;  // declared last, destroyed first: its events use the members above
 };

@@ -1,8 +1,9 @@
-// Measures what a task costs from the program's start to its end, against a bare program that makes the same
-// calls of the component.
+// Measures what a task costs from the program's start to its end, against two bare programs that make the
+// same calls of the component: one without any window, one that shows a single window with a text.
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
@@ -29,29 +30,39 @@ constexpr TTask kTasks[] = {
     {L"/RI", L"marked.ipt", nullptr, nullptr},
 };
 
+/// One of the bare programs and what was measured of it.
+struct TBare {
+  std::string Name;
+  std::wstring Line;
+  TSeries Times{};
+};
+
 /// One task, with what was measured of it. Each run finds the document as it was before.
 class TSubject {
  public:
-  TSubject(const std::wstring& program, const std::wstring& bare, const std::wstring& folder,
+  TSubject(const std::wstring& program, const std::vector<std::wstring>& bare, const std::wstring& folder,
            const TTask& task)
       : fTask(task),
         fOriginal(folder + L"\\" + task.Original),
         fDocument(folder + L"\\run-" + task.Original) {
     fProgramLine = L"\"" + program + L"\" " + task.Switch + L" \"" + fDocument + L"\"";
-    fBareLine = L"\"" + bare + L"\" |" + task.Switch + L"|" + fDocument;
-    if (task.List == nullptr) return;
-    fProgramLine += L" \"" + folder + L"\\" + task.List + L"\"";
-    fBareLine += L"|" + folder + L"\\" + task.List;
+    const std::wstring list = task.List != nullptr ? folder + L"\\" + task.List : L"";
+    if (!list.empty()) fProgramLine += L" \"" + list + L"\"";
+    for (std::size_t i = 0; i < bare.size(); ++i) {
+      fBare.push_back(
+          {i == 0 ? "bare program" : "bare window",
+           L"\"" + bare[i] + L"\" |" + task.Switch + L"|" + fDocument + (list.empty() ? L"" : L"|" + list)});
+    }
   }
 
   /// One run of each kind.
   void Measure() {
-    fBareTimes.Add(MeasureBare());
+    for (TBare& bare : fBare) bare.Times.Add(MeasureBare(bare));
     fEndTimes.Add(MeasureEnd());
     if (fTask.Result != nullptr) fResultTimes.Add(MeasureResult());
   }
   void WarmUp() const {
-    MeasureBare();
+    for (const TBare& bare : fBare) MeasureBare(bare);
     MeasureEnd();
   }
   void Print() const {
@@ -62,7 +73,7 @@ class TSubject {
  private:
   void Restore() const;
   void CheckWritten() const;
-  double MeasureBare() const;
+  double MeasureBare(const TBare& bare) const;
   double MeasureEnd() const;
   double MeasureResult() const;
   bool ShowsResult(const TTimedProcess& process) const;
@@ -72,8 +83,7 @@ class TSubject {
   std::wstring fOriginal;
   std::wstring fDocument;
   std::wstring fProgramLine;
-  std::wstring fBareLine;
-  TSeries fBareTimes;
+  std::vector<TBare> fBare;
   TSeries fEndTimes;
   TSeries fResultTimes;
 };
@@ -101,9 +111,9 @@ void TSubject::CheckWritten() const {
     throw std::runtime_error("a program has not written the document");
 }
 
-double TSubject::MeasureBare() const {
+double TSubject::MeasureBare(const TBare& bare) const {
   Restore();
-  const double elapsed = TTimedProcess(fBareLine).WaitForEnd();
+  const double elapsed = TTimedProcess(bare.Line).WaitForEnd();
   CheckWritten();
   return elapsed;
 }
@@ -140,13 +150,16 @@ bool TSubject::ShowsResult(const TTimedProcess& process) const {
 }
 
 void TSubject::PrintRow(const char* until, const TSeries& times) const {
-  std::printf("| `%ls` %s |", fTask.Switch, until);
-  times.PrintCells();
-  fBareTimes.PrintCells();
-  std::printf(" %.2f |\n", times.Median() / fBareTimes.Median());
+  for (const TBare& bare : fBare) {
+    std::printf("| `%ls` %s, %s |", fTask.Switch, until, bare.Name.c_str());
+    times.PrintCells();
+    bare.Times.PrintCells();
+    std::printf(" %.2f |\n", times.Median() / bare.Times.Median());
+  }
 }
 
-void Measure(const std::wstring& program, const std::wstring& bare, const std::wstring& folder, int runs) {
+void Measure(const std::wstring& program, const std::vector<std::wstring>& bare, const std::wstring& folder,
+             int runs) {
   // A desktop that stands already, as in front of every user: else the first window of a run would build it.
   ::GetDesktopWindow();
   std::vector<TSubject> subjects;
@@ -155,7 +168,9 @@ void Measure(const std::wstring& program, const std::wstring& bare, const std::w
   for (int i = 0; i < runs; ++i) {
     for (TSubject& subject : subjects) subject.Measure();
   }
-  std::puts("| task | ms | 1st quartile | 3rd quartile | bare, ms | 1st quartile | 3rd quartile | ratio |");
+  std::puts(
+      "| task, against | ms | 1st quartile | 3rd quartile | bare, ms | 1st quartile | 3rd quartile | ratio "
+      "|");
   std::puts("|---|--:|--:|--:|--:|--:|--:|--:|");
   for (const TSubject& subject : subjects) subject.Print();
 }
@@ -163,13 +178,13 @@ void Measure(const std::wstring& program, const std::wstring& bare, const std::w
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
-  if (count != 5) {
-    std::fputs("Usage: start_timer PROGRAM BARE FOLDER RUNS\n", stderr);
+  if (count != 6) {
+    std::fputs("Usage: start_timer PROGRAM BARE BARE_WINDOW FOLDER RUNS\n", stderr);
     return 2;
   }
   try {
-    Measure(arguments[1], arguments[2], arguments[3],
-            std::max(1, static_cast<int>(std::wcstol(arguments[4], nullptr, 10))));
+    Measure(arguments[1], {arguments[2], arguments[3]}, arguments[4],
+            std::max(1, static_cast<int>(std::wcstol(arguments[5], nullptr, 10))));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "start_timer: %s\n", error.what());
     return 1;

@@ -23,6 +23,11 @@ TRect OurRect(const RECT& rect) {
   return {rect.left, rect.top, rect.right, rect.bottom};
 }
 
+HMONITOR MonitorAt(const TRect& rect) {
+  const RECT area{rect.Left, rect.Top, rect.Right, rect.Bottom};
+  return ::MonitorFromRect(&area, MONITOR_DEFAULTTONEAREST);
+}
+
 }  // namespace
 
 TWindowHandle FirstWindow(TWindowHandle sibling) {
@@ -45,18 +50,16 @@ std::optional<TRect> WindowRect(TWindowHandle window) {
   return OurRect(rect);
 }
 
-TRect NearestWorkArea(TWindowHandle window) {
+TRect WorkAreaAt(const TRect& rect) {
   MONITORINFO info{};
   info.cbSize = sizeof info;
-  ::GetMonitorInfoW(::MonitorFromWindow(SystemHandle(window), MONITOR_DEFAULTTONEAREST), &info);
+  ::GetMonitorInfoW(MonitorAt(rect), &info);
   return OurRect(info.rcWork);
 }
 
 int DpiAt(const TRect& rect) {
-  const RECT area{rect.Left, rect.Top, rect.Right, rect.Bottom};
   UINT horizontal = kDesignDpi;
   UINT vertical = kDesignDpi;
-  ::GetDpiForMonitor(::MonitorFromRect(&area, MONITOR_DEFAULTTONEAREST), MDT_EFFECTIVE_DPI, &horizontal,
-                     &vertical);
+  ::GetDpiForMonitor(MonitorAt(rect), MDT_EFFECTIVE_DPI, &horizontal, &vertical);
   return static_cast<int>(vertical);
 }

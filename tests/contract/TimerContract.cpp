@@ -1,31 +1,36 @@
 #include <gtest/gtest.h>
 
-#include <set>
 #include <vector>
 
 #include "ui/Application.h"
-#include "ui/NativeTimer.h"
+#include "ui/Form.h"
+#include "ui/Timer.h"
 
 // What every back end owes to the users of timers and of the message loop.
 
-TEST(TimerContract, TimersRunUntilStoppedWithUniqueIds) {
+TEST(TimerContract, TimersRunUntilDisabledAndBeginAnew) {
   TApplication application(u"Velmora");
-  std::set<TTimerId> ids;
+  const TForm form(TFormKind::Status, u"TTimerForm", u"", 300, 70);
   std::vector<int> events;
-  TTimerId first = 0;
-  const TTimerId never = StartNativeTimer(20, [&] { events.push_back(-1); });
-  first = StartNativeTimer(10, [&] {
+  TTimer first(form, 10);
+  TTimer never(form, 20);
+  TTimer last(form, 30);
+  never.OnTimer = [&] { events.push_back(-1); };
+  first.OnTimer = [&] {
     events.push_back(static_cast<int>(events.size()));
     if (events.size() < 3) return;
-    StopNativeTimer(first);  // from its own event
-    ids.insert(StartNativeTimer(30, [&] { application.Terminate(); }));
-  });
-  ids.insert({never, first});
-  StopNativeTimer(never);
-  StopNativeTimer(never);  // one that has gone is no error
+    first.Disable();  // from its own event
+    last.Enable();
+  };
+  last.OnTimer = [&] { application.Terminate(); };
+  never.Enable();
+  first.Enable();
+  never.Disable();
+  never.Disable();  // one that is disabled already is no error
   RunMessageLoop();
   EXPECT_EQ(events, (std::vector<int>{0, 1, 2}));
-  EXPECT_EQ(ids.size(), 3U);
-  EXPECT_EQ(ids.count(0), 0U);
-  for (const TTimerId id : ids) StopNativeTimer(id);
+  last.SetInterval(20);
+  last.Enable();
+  last.Enable();
+  last.Disable();
 }

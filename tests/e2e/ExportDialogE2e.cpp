@@ -103,10 +103,14 @@ TEST_F(ExportDialogE2e, ShowsAssemblyAsTree) {
   ::SendMessageW(dialog.List(), WM_CHAR, L'ö', 0);
   EXPECT_EQ(dialog.Info(), L"36 von 40");
   EXPECT_EQ(Outline(dialog.Rows()), kOpened) << "what hides the name is opened";
+  // Enter presses the button that has the focus, as often as the user likes.
+  const HWND collapse = dialog.Button(L"Alle Knoten schließen");
+  for (int i = 0; i < 2; ++i) ::PostMessageW(collapse, WM_KEYDOWN, VK_RETURN, 0);
+  EXPECT_TRUE(WaitUntil([&] { return Outline(dialog.Rows()) == "1 2+ "; }));
 
   // Neither another program in front nor the way back from it scans again.
   const HWND focus = FocusIn(dialog.Window());
-  ASSERT_EQ(focus, dialog.List());
+  ASSERT_EQ(focus, collapse);
   const THostWindow other(L"Etwas anderes", {0, 0, 200, 200});
   ::SetForegroundWindow(other.Handle());
   ASSERT_TRUE(WaitUntil([&] { return FocusIn(dialog.Window()) == nullptr; }));
@@ -212,6 +216,11 @@ TEST_F(ExportDialogE2e, LayoutFollowsSizeDownToMinimum) {
   const TProgram program(Arguments(), Environment());
   const TExportDialog dialog(program);
   ASSERT_TRUE(IsScanned(dialog));
+  const auto drawing = [button = dialog.Button(L"Exportieren")] {
+    return std::pair(::SendMessageW(button, WM_GETFONT, 0, 0),
+                     ::SendMessageW(button, BM_GETIMAGE, IMAGE_ICON, 0));
+  };
+  const auto before = drawing();
   for (const SIZE& size : {SIZE{1100, 800}, SIZE{50, 50}}) {
     ::SetWindowPos(dialog.Window(), nullptr, 10, 10, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
     RECT client{};
@@ -237,13 +246,29 @@ TEST_F(ExportDialogE2e, LayoutFollowsSizeDownToMinimum) {
           << Utf8FromText(FromWide(TextOf(control.Control).c_str()));
     }
     EXPECT_EQ(::GetWindowLongPtrW(dialog.List(), GWL_STYLE) & WS_HSCROLL, 0) << "the columns share the width";
+    EXPECT_EQ(drawing(), before) << "font and image are made when the scale changes";
   }
+  // The system's rectangle is taken as a whole, so that the way back ends where it began.
+  const RECT first = BoundsOf(dialog.Window());
+  const RECT larger = {20, 30, 900, 700};
+  const auto setDpi = [&dialog](WORD dpi, const RECT& suggested) {
+    const TRemoteMemory place(dialog.Window(), sizeof suggested);
+    place.Write(&suggested, sizeof suggested);
+    ::SendMessageW(dialog.Window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), place.Address());
+    return SameRect(BoundsOf(dialog.Window()), suggested);
+  };
+  EXPECT_TRUE(setDpi(144, larger));
+  EXPECT_NE(drawing(), before);
+  EXPECT_TRUE(setDpi(96, first));
 }
 
 TEST_F(ExportDialogE2e, FailingScanShowsErrorAndNoRows) {
   const TProgram program(Arguments(), Environment({{L"APPRENTICE_FAIL_CALL", L"60"},
-                                                   {L"APPRENTICE_FAIL_TEXT", L"Größe unbekannt."}}));
+                                                   {L"APPRENTICE_FAIL_TEXT", L"Größe unbekannt."},
+                                                   {L"APPRENTICE_DELAY_MS", L"20"}}));
   const TExportDialog dialog(program);
+  // Sent in the middle of the work, they are dropped as clicks are.
+  for (const HWND form : {dialog.Window(), program.StatusWindow()}) ::SendMessageW(form, WM_CLOSE, 0, 0);
   EXPECT_EQ(::GetWindow(program.MessageBox(), GW_OWNER), dialog.Window());
   EXPECT_EQ(program.TextOfClosedBox(), L"Größe unbekannt.");
   EXPECT_EQ(RootOpened(), 2) << "coming back from the box is no activation";

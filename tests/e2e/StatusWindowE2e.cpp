@@ -6,6 +6,21 @@ namespace {
 const std::wstring kWorking = L"Properties werden aktualisiert...";
 const std::string kDocument = R"({"propertySets": [{}, {}, {}, {}]})";
 
+/// The scaling of the programs that start while it lives.
+class TScaling {
+ public:
+  explicit TScaling(DWORD dpi) {
+    ::RegSetKeyValueW(HKEY_CURRENT_USER, kKey, kValue, REG_DWORD, &dpi, sizeof dpi);
+  }
+  ~TScaling() { ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, kValue); }
+  TScaling(const TScaling&) = delete;
+  TScaling& operator=(const TScaling&) = delete;
+
+ private:
+  static constexpr auto kKey = L"Control Panel\\Desktop";
+  static constexpr auto kValue = L"LogPixels";
+};
+
 class StatusWindowE2e : public EndToEnd {
  protected:
   void SetUp() override {
@@ -78,7 +93,34 @@ TEST_F(StatusWindowE2e, UnknownSwitchShowsEmptyWindow) {
   const RECT bounds = BoundsOf(form);
   EXPECT_EQ(bounds.left, work.left + (work.right - work.left) / 2 - 150) << "without a host";
   EXPECT_EQ(bounds.top, work.top + (work.bottom - work.top) / 2 - 35);
+  const HWND panel = ::FindWindowExW(form, nullptr, L"TPanel", nullptr);
+  EXPECT_EQ(::SendMessageW(panel, WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(form),
+                           MAKELPARAM(HTCLIENT, WM_LBUTTONDOWN)),
+            MA_NOACTIVATE)
+      << "a click leaves the keyboard to the host";
   ::PostMessageW(form, WM_SYSCOMMAND, SC_CLOSE, 0);  // the command of its task bar button
   EXPECT_EQ(program.WaitForExit(), 0U);
   EXPECT_TRUE(Trace().empty());
+}
+
+TEST_F(StatusWindowE2e, BevelsStayClearOfTheScaledLabel) {
+  const TScaling scaling(144);
+  const TProgram program(L"/p", Environment());
+  const HWND form = program.StatusWindow();
+  ASSERT_NE(form, nullptr);
+  const RECT bounds = BoundsOf(form);
+  EXPECT_EQ(bounds.right - bounds.left, 450);
+  EXPECT_EQ(bounds.bottom - bounds.top, 105);
+  const auto widthOf = [x = bounds.left, y = (bounds.top + bounds.bottom) / 2](int colour) mutable {
+    const HDC screen = ::GetDC(nullptr);
+    int width = 0;
+    for (; ::GetPixel(screen, x, y) == ::GetSysColor(colour); ++x) ++width;
+    ::ReleaseDC(nullptr, screen);
+    return width;
+  };
+  int outer = 0;
+  EXPECT_TRUE(WaitUntil([&] { return (outer = widthOf(COLOR_BTNSHADOW)) > 0; }));
+  EXPECT_EQ(widthOf(COLOR_BTNHIGHLIGHT), outer) << "the label covers nothing of the inner one";
+  ::PostMessageW(form, WM_CLOSE, 0, 0);
+  EXPECT_EQ(program.WaitForExit(), 0U);
 }

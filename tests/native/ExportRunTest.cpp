@@ -51,12 +51,12 @@ TEST_F(ExportRunTest, PacksEveryExistingFile) {
   const TLines log =
       RunExport(u"C:\\P\\g.iam", {[] {
                                     const auto widths = TTree::ColumnWidths();
-                                    EXPECT_EQ(std::accumulate(widths.begin(), widths.end(), 0), 1386)
+                                    EXPECT_EQ(std::accumulate(widths.begin(), widths.end(), 0), 1257)
                                         << "less the margin at the left";
                                     TDialog::Press(u"Exportieren");
                                   },
                                   [] { TDialog::Press(u"Exportieren"); }});
-  EXPECT_TRUE(Has(log, "show dialog -64,40 1409x945"));
+  EXPECT_TRUE(Has(log, "show dialog 0,40 1280x945")) << "no wider than the screen";
   EXPECT_EQ(ReadFile(u"C:\\P\\a.ipt"), "erste") << "no link is followed";
   EXPECT_TRUE(
       Has(log,
@@ -129,6 +129,19 @@ TEST_F(ExportRunTest, RefusedExportsChangeNothing) {
   }
   EXPECT_EQ(ReadFile(u"C:\\P\\a.ipt"), "erste");
   EXPECT_EQ(ReadFile(u"C:\\Temp\\x.iam\\x.iam"), R"({"references": []})");
+}
+
+TEST_F(ExportRunTest, CompletesNamesThatLackTheirExtension) {
+  WriteFile(u"C:\\Q\\4711.01.iam", "{}");
+  struct {
+    TextView Answer;
+    TextView Archive;
+  } const cases[] = {{u"C:\\4711.01", u"C:\\4711.01.zip"}, {u"C:\\4711.02", u"C:\\4711.02"}};
+  for (const auto& test : cases) {
+    Machine().SaveAnswers = {UnicodeString(test.Answer)};
+    RunExport(u"C:\\Q\\4711.01.iam", {[] { TDialog::Press(u"Exportieren"); }});
+    EXPECT_TRUE(FileExists(test.Archive)) << Utf8FromText(test.Archive);
+  }
 }
 
 TEST_F(ExportRunTest, ExportsTheRowsOfAFailedScan) {

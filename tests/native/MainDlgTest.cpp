@@ -49,7 +49,7 @@ TEST_F(MainDlgTest, ClosesOnlyWithoutArguments) {
   } const cases[] = {
       {u"", {"0 quit"}},
       {u"\"\" /P", {"0 quit"}},
-      {u"/p C:\\Teil.ipt", {"0 show 490,477 300x70", "0 idle"}},
+      {u"/p C:\\Teil.ipt", {"0 show 490,477 300x70", "0 paint \"\"", "0 idle"}},
   };
   for (const auto& test : cases) {
     EXPECT_EQ(Run(test.Arguments), test.Log) << Utf8FromText(test.Arguments);
@@ -66,6 +66,10 @@ TEST_F(MainDlgTest, ShowsErrorsUntilTheTimerEnds) {
     UnicodeString Message;
   } const cases[] = {
       {2, u"Erste Zeile\r\nZweite Zeile", kUnspecifiedError, 0, u"Erste Zeile\r\nZweite Zeile"},
+      {2, UnicodeString(u"\0Gesperrt", 9), kUnspecifiedError, 0, u"Gesperrt"},
+      {2, UnicodeString(1, u'\0'), kUnspecifiedError, 0, u"Unbekannter Fehler"},
+      {2, UnicodeString(30'000, u'x'), kUnspecifiedError, 0, UnicodeString(2048, u'x') + u"…"},
+      {2, UnicodeString(200, u'\n'), kUnspecifiedError, 0, UnicodeString(39, u'\n') + u"…"},
       {2, u"", HResult(0xA0ABCDEF), 0, u"Systemfehler A0ABCDEF"},
       {0, u"", kUnspecifiedError, kClassNotRegistered, SystemErrorText(kClassNotRegistered)},
   };
@@ -79,6 +83,14 @@ TEST_F(MainDlgTest, ShowsErrorsUntilTheTimerEnds) {
     EXPECT_EQ(log.at(3), "0 error box \"Velmora\": " + Utf8FromText(test.Message));
     EXPECT_EQ(log.back(), "3600 quit");
     EXPECT_EQ(LiveObjects(), 0);
+  }
+}
+
+TEST_F(MainDlgTest, TellsWhatSigningOutWaitsFor) {
+  for (const TextView task : {kRun, TextView(u"/R C:\\Teil.ipt"), TextView(u"/RI C:\\Teil.ipt")}) {
+    Run(task);
+    EXPECT_EQ(ReasonAtWork, u"Ein Dokument wird geschrieben.") << Utf8FromText(task);
+    EXPECT_EQ(Machine().ShutdownReason, u"");
   }
 }
 

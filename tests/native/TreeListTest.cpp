@@ -45,7 +45,7 @@ class TreeListTest : public TMachineTest {
   }
 
   TApplication fApplication{u"Velmora"};
-  TForm fForm{TWindowKind::StatusForm, u"TForm", u"", 415, 140};
+  TForm fForm{TFormKind::Status, u"TForm", u"", 415, 140};
   TSession fSession;
   TDatabase fDatabase{fSession};
   TQuery fQuery{fDatabase};

@@ -32,6 +32,7 @@ void TProgramTest::StartComponent() {
   headless::Machine().CreateInstance = [this](const TGuid& clsid, const TGuid& iid) {
     if (clsid != kServerClass) throw ComponentError(kClassNotRegistered);
     if (iid != kSimulatedServerInterface) throw ComponentError(kNoInterface);
+    ReasonAtWork = headless::Machine().ShutdownReason;
     if (RefuseCreation != 0) throw ComponentError(RefuseCreation);
     return fSimulator->CreateServer();
   };

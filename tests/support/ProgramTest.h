@@ -25,6 +25,7 @@ class TProgramTest : public TMachineTest {
   TSimulatorSettings Simulation;
   std::int32_t RefuseCreation = 0;  ///< with this HRESULT; 0: the component can be created
   std::vector<std::string> Trace;
+  UnicodeString ReasonAtWork;  ///< what kept a user from signing out when the component was created last
 
  private:
   std::unique_ptr<TSimulator> fSimulator;

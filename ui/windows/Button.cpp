@@ -2,10 +2,12 @@
 
 #include <commctrl.h>
 
-#include "resources/Icons.h"
-#include "ui/windows/NativeWindowImpl.h"
+#include <optional>
+#include <utility>
 
-// Images and tool tips of the push buttons.
+#include "ui/Application.h"
+#include "ui/windows/NativeWindowImpl.h"
+#include "ui/windows/ToolTip.h"
 
 namespace {
 
@@ -13,37 +15,49 @@ namespace {
 constexpr int kImageSize = 16;
 constexpr int kImageGap = 6;
 
-WORD IconOf(TButtonImage image) {
-  switch (image) {
-    case TButtonImage::ExpandAll:
-      return ICON_EXPAND_ALL;
-    case TButtonImage::CollapseAll:
-      return ICON_COLLAPSE_ALL;
-    case TButtonImage::Export:
-      break;
+struct TButtonImpl : TNativeControlImpl {
+  std::function<void()> OnClick;
+  std::optional<WORD> Image;
+  TIconHandle Icon;
+  std::optional<TToolTip> ToolTip;
+
+  void Notified(WORD code) override {
+    if (code == BN_CLICKED) Application->Guard(OnClick);
   }
-  return ICON_EXPORT;
+  void Rescaled() override {
+    if (!Image) return;
+    TIconHandle icon = LoadProgramIcon(*Image, ScaledToDpi(kImageSize, Dpi));
+    ::SendMessageW(Window.Get(), BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon.Get()));
+    Icon = std::move(icon);
+    RECT margin{ScaledToDpi(kImageGap, Dpi), 0, 0, 0};
+    ::SendMessageW(Window.Get(), BCM_SETTEXTMARGIN, 0, reinterpret_cast<LPARAM>(&margin));
+  }
+};
+
+TButtonImpl& Button(TNativeWindow::TImpl& impl) {
+  return static_cast<TButtonImpl&>(impl);
 }
 
 }  // namespace
 
-void TNativeWindow::SetImage(TButtonImage image) {
-  fImpl->Image = image;
-  fImpl->LoadButtonImage();
+/// IDOK is the button that IsDialogMessage presses for Enter, and that DM_GETDEFID names.
+TNativeButton::TNativeButton(TButtonRole role, const TNativeWindow& parent, std::function<void()> onClick)
+    : TNativeControl(std::make_unique<TButtonImpl>()) {
+  Button(*fImpl).OnClick = std::move(onClick);
+  const bool isDefault = role == TButtonRole::Default;
+  const DWORD style =
+      TNativeControlImpl::kStyle | WS_TABSTOP | (isDefault ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON);
+  fImpl->Create(L"BUTTON", style, 0, reinterpret_cast<HWND>(parent.Handle()), isDefault ? IDOK : 0);
 }
 
-void TNativeWindow::TImpl::LoadButtonImage() {
-  if (!Image) return;
-  TIconHandle icon = LoadProgramIcon(IconOf(*Image), ScaledToDpi(kImageSize, Dpi));
-  ::SendMessageW(Window.Get(), BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon.Get()));
-  Icon = std::move(icon);
-  RECT margin{ScaledToDpi(kImageGap, Dpi), 0, 0, 0};
-  ::SendMessageW(Window.Get(), BCM_SETTEXTMARGIN, 0, reinterpret_cast<LPARAM>(&margin));
+void TNativeButton::SetImage(int icon) {
+  Button(*fImpl).Image = static_cast<WORD>(icon);
+  Button(*fImpl).Rescaled();
 }
 
-void TNativeWindow::SetTextHidden() {
-  const LONG_PTR style = ::GetWindowLongPtrW(fImpl->Window.Get(), GWL_STYLE);
-  ::SetWindowLongPtrW(fImpl->Window.Get(), GWL_STYLE, style | BS_ICON);
-  fImpl->ToolTip.emplace(::GetParent(fImpl->Window.Get()));
-  fImpl->ToolTip->AddChild(fImpl->Window.Get(), fImpl->Text.c_str());
+void TNativeButton::SetTextHidden() {
+  const HWND window = fImpl->Window.Get();
+  ::SetWindowLongPtrW(window, GWL_STYLE, ::GetWindowLongPtrW(window, GWL_STYLE) | BS_ICON);
+  Button(*fImpl).ToolTip.emplace(::GetParent(window));
+  Button(*fImpl).ToolTip->AddChild(window, fImpl->Text.c_str());
 }

@@ -15,7 +15,7 @@ void RunMessageLoop() {
   }
 }
 
-void RunModalLoop(TNativeWindow& dialog, const std::function<bool()>& ended) {
+void RunModalLoop(const TNativeForm& dialog, const std::function<bool()>& ended) {
   const HWND window = reinterpret_cast<HWND>(dialog.Handle());
   const HWND owner = ::GetWindow(window, GW_OWNER);
   ::EnableWindow(owner, FALSE);
@@ -43,8 +43,10 @@ void DiscardInput() noexcept {
   struct {
     UINT First;
     UINT Last;
-  } constexpr kInput[] = {
-      {WM_KEYFIRST, WM_KEYLAST}, {WM_MOUSEFIRST, WM_MOUSELAST}, {WM_NCLBUTTONDOWN, WM_NCXBUTTONDBLCLK}};
+  } constexpr kInput[] = {{WM_KEYFIRST, WM_KEYLAST},
+                          {WM_MOUSEFIRST, WM_MOUSELAST},
+                          {WM_NCLBUTTONDOWN, WM_NCXBUTTONDBLCLK},
+                          {WM_NCPOINTERUPDATE, WM_POINTERHWHEEL}};
   MSG message;
   for (const auto& range : kInput) {
     while (::PeekMessageW(&message, nullptr, range.First, range.Last, PM_REMOVE)) {
@@ -58,7 +60,7 @@ void PostQuit() {
   ::PostQuitMessage(0);
 }
 
-void ShowMessageBox(const TNativeWindow* owner, TextView text, TextView caption, TBoxIcon icon) {
+void ShowMessageBox(const TNativeForm* owner, TextView text, TextView caption, TBoxIcon icon) {
   const HWND ownerWindow = owner != nullptr ? reinterpret_cast<HWND>(owner->Handle()) : nullptr;
   const UINT style = MB_OK | (icon == TBoxIcon::Error ? MB_ICONERROR : 0);
   ::MessageBoxW(ownerWindow, Wide(UnicodeString(text)), Wide(UnicodeString(caption)), style);

@@ -2,154 +2,35 @@
 
 #include <windows.h>
 
-#include <commctrl.h>
-
 #include <algorithm>
 #include <utility>
 
+#include "ui/Application.h"
 #include "ui/windows/NativeWindowImpl.h"
 
-namespace {
+// What all windows have in common, and the controls that need nothing more.
 
-constexpr TextView kPanelClass = u"TPanel";
-constexpr TextView kLabelClass = u"TLabel";
-constexpr TextView kTreeListClass = u"TTreeList";
+void TNativeWindow::TImpl::Create(const wchar_t* windowClass, DWORD style, DWORD extendedStyle, HWND parent,
+                                  int id) {
+  Window.Reset(::CreateWindowExW(extendedStyle, windowClass, L"", style, 0, 0, 0, 0, parent,
+                                 reinterpret_cast<HMENU>(INT_PTR{id}), ProgramInstance(), nullptr));
+  if (!Window) throw LastSystemError();
+  ::SetWindowLongPtrW(Window.Get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+}
 
-struct TStyle {
-  DWORD Style;
-  DWORD ExtendedStyle;
-};
+TNativeWindow::TNativeWindow(std::unique_ptr<TImpl> impl) : fImpl(std::move(impl)) {}
 
-constexpr DWORD kChild = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
-
-constexpr TStyle StyleOf(TWindowKind kind) {
-  switch (kind) {
-    case TWindowKind::StatusForm:
-      // WS_SYSMENU draws nothing on a window without a frame; it gives the task bar button its command to
-      // close.
-      return {WS_POPUP | WS_SYSMENU | WS_CLIPCHILDREN, WS_EX_TOPMOST | WS_EX_APPWINDOW};
-    case TWindowKind::Dialog:
-      return {WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MAXIMIZEBOX | WS_CLIPCHILDREN, 0};
-    case TWindowKind::Button:
-      return {kChild | WS_TABSTOP | BS_PUSHBUTTON, 0};
-    case TWindowKind::DefaultButton:
-      return {kChild | WS_TABSTOP | BS_DEFPUSHBUTTON, 0};
-    case TWindowKind::Edit:
-      return {kChild | WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE};
-    case TWindowKind::ProgressBar:
-      return {kChild, 0};
-    case TWindowKind::TreeList:
-      return {kChild | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT};  // the focus goes to its list
-    case TWindowKind::Panel:
-    case TWindowKind::Label:
-      break;
+TNativeWindow::~TNativeWindow() {
+  if (Application != nullptr && Application->Terminated()) {
+    // The system destroys the windows of a process that ends, in a fraction of the time.
+    ::SetWindowLongPtrW(fImpl->Window.Detach(), GWLP_USERDATA, 0);
+  } else {
+    fImpl->Window.Reset();  // its last messages still find the rest
   }
-  return {kChild | WS_CLIPCHILDREN, 0};
 }
-
-/// The system and we find a control by its window; only the default button is asked for by its number.
-HMENU NextControlId() {
-  static INT_PTR last = 100;
-  return reinterpret_cast<HMENU>(++last);
-}
-
-}  // namespace
-
-/// The label is no STATIC of the system's: under the manifest that one loads the common controls, which cost
-/// a start more than anything else here.
-UnicodeString TNativeWindow::TImpl::ClassOf(TWindowKind kind, TextView formClass) {
-  switch (kind) {
-    case TWindowKind::Panel:
-      RegisterWindowClass(kPanelClass, ControlProc<&TImpl::PaintAsPanel>);
-      return UnicodeString(kPanelClass);
-    case TWindowKind::Label:
-      RegisterWindowClass(kLabelClass, ControlProc<&TImpl::PaintAsLabel>);
-      return UnicodeString(kLabelClass);
-    case TWindowKind::TreeList:
-      RegisterWindowClass(kTreeListClass, ControlProc<&TImpl::PaintAsGround>);
-      return UnicodeString(kTreeListClass);
-    case TWindowKind::Button:
-    case TWindowKind::DefaultButton:
-      return u"BUTTON";
-    case TWindowKind::Edit:
-      return u"EDIT";
-    case TWindowKind::ProgressBar:
-      return UnicodeString(FromWide(PROGRESS_CLASSW));
-    case TWindowKind::StatusForm:
-    case TWindowKind::Dialog:
-      break;
-  }
-  RegisterWindowClass(formClass, FormProc, ProgramIcon());
-  return UnicodeString(formClass);
-}
-
-template <void (TNativeWindow::TImpl::*kPaint)(HDC dc, const RECT& area) const>
-LRESULT CALLBACK TNativeWindow::TImpl::ControlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  const TImpl* const self = Of(window);
-  if (message == WM_ERASEBKGND) return 1;
-  if (self != nullptr && message == WM_GETFONT) return reinterpret_cast<LRESULT>(self->Font.Get());
-  // Themed buttons have the ground below their rounded corners drawn by their parent.
-  if (self != nullptr && message == WM_PRINTCLIENT) {
-    RECT area{};
-    ::GetClientRect(window, &area);
-    (self->*kPaint)(reinterpret_cast<HDC>(wParam), area);
-    return 0;
-  }
-  if (self != nullptr && message == WM_PAINT) {
-    const TPaintScope paint(window);
-    RECT area{};
-    ::GetClientRect(window, &area);
-    (self->*kPaint)(paint.Dc(), area);
-    return 0;
-  }
-  return ::DefWindowProcW(window, message, wParam, lParam);
-}
-
-TNativeWindow::TNativeWindow(TWindowKind kind, TextView className, TNativeWindow* parent,
-                             TWindowEvents events)
-    : fImpl(new TImpl{.Kind = kind, .Events = std::move(events)}) {
-  const UnicodeString windowClass = TImpl::ClassOf(kind, className);
-  const TStyle style = StyleOf(kind);
-  const HWND parentWindow = parent != nullptr ? parent->fImpl->Window.Get() : nullptr;
-  const HMENU id = (style.Style & WS_CHILD) != 0 ? NextControlId() : nullptr;
-  const HWND window = ::CreateWindowExW(style.ExtendedStyle, Wide(windowClass), L"", style.Style, 0, 0, 0, 0,
-                                        parentWindow, id, ProgramInstance(), nullptr);
-  if (window == nullptr) throw LastSystemError();
-  fImpl->Window.Reset(window);
-  ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(fImpl.get()));
-  if (kind == TWindowKind::ProgressBar) fImpl->BecomeProgressBar();
-}
-
-TNativeWindow::~TNativeWindow() = default;
 
 TWindowHandle TNativeWindow::Handle() const {
   return reinterpret_cast<TWindowHandle>(fImpl->Window.Get());
-}
-
-void TNativeWindow::SetBounds(const TRect& bounds) {
-  ::SetWindowPos(fImpl->Window.Get(), nullptr, bounds.Left, bounds.Top, bounds.Width(), bounds.Height(),
-                 SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-void TNativeWindow::SetPosition(int left, int top) {
-  ::SetWindowPos(fImpl->Window.Get(), nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-SIZE TNativeWindow::TImpl::WithFrame(int width, int height, int dpi) const {
-  const TStyle style = StyleOf(Kind);
-  RECT rect{0, 0, width, height};
-  ::AdjustWindowRectExForDpi(&rect, style.Style, FALSE, style.ExtendedStyle, static_cast<UINT>(dpi));
-  return {rect.right - rect.left, rect.bottom - rect.top};
-}
-
-void TNativeWindow::SetClientSize(int width, int height, int dpi) {
-  const SIZE size = fImpl->WithFrame(width, height, dpi);
-  ::SetWindowPos(fImpl->Window.Get(), nullptr, 0, 0, size.cx, size.cy,
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-void TNativeWindow::SetLeastClientSize(int width, int height, int dpi) {
-  fImpl->LeastSize = fImpl->WithFrame(width, height, dpi);
 }
 
 void TNativeWindow::SetText(TextView text) {
@@ -158,55 +39,103 @@ void TNativeWindow::SetText(TextView text) {
   ::InvalidateRect(fImpl->Window.Get(), nullptr, FALSE);
 }
 
-UnicodeString TNativeWindow::Text() const {
+void TNativeWindow::Repaint() {
+  ::RedrawWindow(fImpl->Window.Get(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+  ::GdiFlush();  // what is batched would stay invisible while the task runs
+}
+
+namespace {
+
+// Both bevels of a panel, at kDesignDpi. Scaled as one length, they never reach below what is placed inside
+// them.
+constexpr int kBevels = 2;
+
+TNativeControlImpl& Control(TNativeWindow::TImpl& impl) {
+  return static_cast<TNativeControlImpl&>(impl);
+}
+
+LRESULT CALLBACK ControlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_ERASEBKGND) return 1;
+  auto* const impl = TNativeWindow::TImpl::Of(window);
+  if (impl == nullptr) return ::DefWindowProcW(window, message, wParam, lParam);
+  const TNativeControlImpl& self = Control(*impl);
+  if (message == WM_GETFONT) return reinterpret_cast<LRESULT>(self.Font.Get());
+  if (message != WM_PAINT && message != WM_PRINTCLIENT) {
+    return ::DefWindowProcW(window, message, wParam, lParam);
+  }
+  RECT area{};
+  ::GetClientRect(window, &area);
+  if (message == WM_PAINT) {
+    const TPaintScope paint(window);
+    self.Paint(paint.Dc(), area);
+  } else {
+    // Themed buttons have the ground below their rounded corners drawn by their parent.
+    self.Paint(reinterpret_cast<HDC>(wParam), area);
+  }
+  return 0;
+}
+
+/// The window class of a kind, registered. The label is no STATIC of the system's: under the manifest that
+/// one loads the common controls, which cost a start more than anything else here.
+const wchar_t* ClassOf(TControlKind kind) {
+  if (kind == TControlKind::Edit) return L"EDIT";
+  const TextView name = kind == TControlKind::Panel   ? u"TPanel"
+                        : kind == TControlKind::Label ? u"TLabel"
+                                                      : u"TTreeList";
+  RegisterWindowClass(name, ControlProc);
+  return Wide(name.data());
+}
+
+}  // namespace
+
+void TNativeControlImpl::Paint(HDC dc, const RECT& area) const {
+  if (Kind == TControlKind::Label) return PaintCentredText(dc, area, Wide(Text), Font.Get());
+  if (Kind == TControlKind::Panel) return PaintPanel(dc, area, std::max(1, ScaledToDpi(kBevels, Dpi) / 2));
+  ::FillRect(dc, &area, ::GetSysColorBrush(COLOR_BTNFACE));
+}
+
+TNativeControl::TNativeControl(TControlKind kind, const TNativeWindow& parent)
+    : TNativeWindow(std::make_unique<TNativeControlImpl>()) {
+  Control(*fImpl).Kind = kind;
+  const bool edit = kind == TControlKind::Edit;
+  const DWORD style = edit ? WS_TABSTOP | ES_AUTOHSCROLL : WS_CLIPCHILDREN;
+  // The focus goes to what fills a ground.
+  const DWORD extended = edit ? WS_EX_CLIENTEDGE : kind == TControlKind::Ground ? WS_EX_CONTROLPARENT : 0;
+  fImpl->Create(ClassOf(kind), TNativeControlImpl::kStyle | style, extended,
+                reinterpret_cast<HWND>(parent.Handle()));
+}
+
+void TNativeControl::SetBounds(const TRect& bounds) {
+  ::SetWindowPos(fImpl->Window.Get(), nullptr, bounds.Left, bounds.Top, bounds.Width(), bounds.Height(),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void TNativeControl::SetFont(const TFont& font, int dpi) {
+  TNativeControlImpl& control = Control(*fImpl);
+  control.Font = MakeFont(font, dpi);
+  ::SendMessageW(control.Window.Get(), WM_SETFONT, reinterpret_cast<WPARAM>(control.Font.Get()), FALSE);
+  if (control.Dpi != dpi) {
+    control.Dpi = dpi;
+    control.Rescaled();
+  }
+  ::InvalidateRect(control.Window.Get(), nullptr, FALSE);
+}
+
+void TNativeControl::SetVisible(bool visible) {
+  ::ShowWindow(fImpl->Window.Get(), visible ? SW_SHOWNA : SW_HIDE);
+}
+
+void TNativeControl::Focus() {
+  HWND target = fImpl->Window.Get();
+  // A ground hands the focus to its list.
+  if (Control(*fImpl).Kind == TControlKind::Ground) target = ::GetNextDlgTabItem(target, nullptr, FALSE);
+  ::SendMessageW(::GetAncestor(target, GA_ROOT), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(target), TRUE);
+}
+
+UnicodeString TNativeControl::Text() const {
   const HWND window = fImpl->Window.Get();
   UnicodeString text(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, u'\0');
   text.resize(
       static_cast<std::size_t>(::GetWindowTextW(window, WideBuffer(text), static_cast<int>(text.size()))));
   return text;
-}
-
-void TNativeWindow::SetFont(const TFont& font, int dpi) {
-  fImpl->Font = MakeFont(font, dpi);
-  fImpl->Dpi = dpi;
-  ::SendMessageW(fImpl->Window.Get(), WM_SETFONT, reinterpret_cast<WPARAM>(fImpl->Font.Get()), FALSE);
-  fImpl->LoadButtonImage();
-  ::InvalidateRect(fImpl->Window.Get(), nullptr, FALSE);
-}
-
-void TNativeWindow::Show() {
-  constexpr UINT kShow = SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE;
-  if (fImpl->Kind == TWindowKind::StatusForm) {
-    ::SetWindowPos(fImpl->Window.Get(), HWND_TOPMOST, 0, 0, 0, 0, kShow | SWP_NOACTIVATE);
-  } else {
-    // Not ShowWindow: the first one of a process does what the starting program has asked for.
-    ::SetWindowPos(fImpl->Window.Get(), HWND_TOP, 0, 0, 0, 0, kShow);
-    ::SetForegroundWindow(fImpl->Window.Get());
-    Repaint();
-  }
-}
-
-void TNativeWindow::Hide() {
-  ::ShowWindow(fImpl->Window.Get(), SW_HIDE);
-}
-
-void TNativeWindow::SetVisible(bool visible) {
-  ::ShowWindow(fImpl->Window.Get(), visible ? SW_SHOWNA : SW_HIDE);
-}
-
-void TNativeWindow::Focus() {
-  HWND target = fImpl->Window.Get();
-  // A ground hands the focus to its list.
-  if (fImpl->Kind == TWindowKind::TreeList) target = ::GetNextDlgTabItem(target, nullptr, FALSE);
-  const HWND form = ::GetAncestor(target, GA_ROOT);
-  if (::GetActiveWindow() == form) {
-    ::SetFocus(target);
-  } else if (TImpl* const owner = TImpl::Of(form); owner != nullptr) {
-    owner->LastFocus = target;
-  }
-}
-
-void TNativeWindow::Repaint() {
-  ::RedrawWindow(fImpl->Window.Get(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-  ::GdiFlush();  // what is batched would stay invisible while the task runs
 }

@@ -1,10 +1,12 @@
+#include "ui/SaveDialog.h"
+
 #include <windows.h>
 
 #include <shlobj.h>
 
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
-#include "ui/NativeSaveDialog.h"
+#include "ui/Form.h"
 
 namespace {
 
@@ -34,12 +36,6 @@ void SetOptions(TDialog& dialog) {
   Check(dialog->SetOptions(options | FOS_FORCEFILESYSTEM | FOS_PATHMUSTEXIST | FOS_NOCHANGEDIR));
 }
 
-void SetFilters(TDialog& dialog, const std::vector<TFileFilter>& filters) {
-  std::vector<COMDLG_FILTERSPEC> specs;
-  for (const TFileFilter& filter : filters) specs.push_back({Wide(filter.Description), Wide(filter.Pattern)});
-  if (!specs.empty()) Check(dialog->SetFileTypes(static_cast<UINT>(specs.size()), specs.data()));
-}
-
 UnicodeString PathOf(const TItem& item) {
   PWSTR name = nullptr;
   Check(item->GetDisplayName(SIGDN_FILESYSPATH, &name));
@@ -50,17 +46,21 @@ UnicodeString PathOf(const TItem& item) {
 
 }  // namespace
 
-std::optional<UnicodeString> AskForSaveName(const TNativeWindow& owner, const TSaveRequest& request) {
+std::optional<UnicodeString> TSaveDialog::Ask(const TForm& owner) const {
   TDialog dialog;
   Check(dialog.ReceiveFrom([](IFileSaveDialog** received) {
     return ::CoCreateInstance(CLSID_FileSaveDialog, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(received));
   }));
   SetOptions(dialog);
-  SetFilters(dialog, request.Filters);
-  Check(dialog->SetTitle(Wide(request.Title)));
-  Check(dialog->SetFileName(Wide(request.FileName)));
-  if (!request.Extension.empty()) Check(dialog->SetDefaultExtension(Wide(request.Extension)));
-  if (const TItem folder = ItemOf(request.Folder)) Check(dialog->SetFolder(folder.Get()));
+  const std::vector<TFilter> filters = Filters();
+  std::vector<COMDLG_FILTERSPEC> specs;
+  for (const TFilter& filter : filters) specs.push_back({Wide(filter.Description), Wide(filter.Pattern)});
+  if (!specs.empty()) Check(dialog->SetFileTypes(static_cast<UINT>(specs.size()), specs.data()));
+  Check(dialog->SetTitle(Wide(Title)));
+  Check(dialog->SetFileName(Wide(FileName)));
+  const UnicodeString extension(Extension());
+  if (!extension.empty()) Check(dialog->SetDefaultExtension(Wide(extension)));
+  if (const TItem folder = ItemOf(InitialDir)) Check(dialog->SetFolder(folder.Get()));
 
   const HRESULT shown = dialog->Show(reinterpret_cast<HWND>(owner.Handle()));
   // Seen under Wine: the host's window came to the front in place of the owner.

@@ -1,4 +1,4 @@
-#include "ui/Screen.h"
+#include "ui/Cursor.h"
 
 #include <windows.h>
 
