@@ -104,12 +104,11 @@ TDispatch TDispatch::Adopt(TObject* object) noexcept {
 
 TVariant TDispatch::Invoke(std::int32_t id, TInvokeKind kind, std::span<const TVariant> arguments) const {
   if (fObject == nullptr) throw ComponentError(kTypeMismatch);
-  const TDispatch alive = *this;  // the call may release the reference it came through
+  const TDispatch alive = *this;  // the call may release the reference that it came through
   try {
     return fObject->Target->Invoke(id, kind, arguments);
   } catch (const EError& error) {
-    if (error.Message().empty()) throw ComponentError(error.Code());
-    throw;
+    throw ComponentError(error.Code() < 0 ? error.Code() : kException, error.Message(), error.Source());
   }
 }
 

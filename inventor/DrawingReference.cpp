@@ -29,7 +29,8 @@ class TFirstError {
 void RepointReferences(const TDocument& drawing, const UnicodeString& fileName) {
   const TReferencedFiles files = drawing.ReferencedFiles();
   const std::int32_t count = files.Count();
-  for (std::int32_t index = 1; index <= count; ++index) {
+  for (std::int32_t done = 0; done < count; ++done) {
+    const std::int32_t index = done + 1;
     const UnicodeString referenced = files.Item(index).FullFileName();
     files.Item(index).ReplaceReference(ChangeFileExtension(fileName, FileExtension(referenced)));
   }

@@ -4,7 +4,8 @@ namespace {
 
 bool DeleteFirstHint(const TDocument& document) {
   const std::int32_t count = document.CustomProperties().Count();
-  for (std::int32_t index = 1; index <= count; ++index) {
+  for (std::int32_t done = 0; done < count; ++done) {
+    const std::int32_t index = done + 1;
     if (!document.CustomProperty(index).Value().IsText()) continue;
     if (document.CustomProperty(index).Name() != kIndexHintName) continue;
     document.CustomProperty(index).Delete();

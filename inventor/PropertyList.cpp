@@ -1,7 +1,5 @@
 #include "inventor/PropertyList.h"
 
-#include <algorithm>
-
 #include "platform/TextFile.h"
 
 namespace {
@@ -13,41 +11,59 @@ bool HasName(TextView entry, TextView name) {
 
 }  // namespace
 
-int TPropertyList::Find(TextView name) const {
-  const auto found =
-      std::ranges::find_if(fEntries, [name](const UnicodeString& entry) { return HasName(entry, name); });
-  return found != fEntries.end() ? static_cast<int>(found - fEntries.begin()) : -1;
+std::size_t TPropertyList::Find(TextView name) const {
+  const auto [index, isNew] = fIndexes.try_emplace(name.size());
+  if (isNew) {
+    for (std::size_t position = 0; position < fEntries.size(); ++position) {
+      Enter(index->second, name.size(), position);
+    }
+  }
+  const auto candidates = index->second.find(SameTextKey(name));
+  if (candidates == index->second.end()) return kNone;
+  for (const std::size_t position : candidates->second) {
+    if (HasName(fEntries[position], name)) return position;
+  }
+  return kNone;
+}
+
+void TPropertyList::Enter(TIndex& index, std::size_t length, std::size_t position) const {
+  const TextView entry = fEntries[position];
+  if (entry.size() <= length || entry[length] != u'=') return;
+  index[SameTextKey(entry.substr(0, length))].push_back(position);
 }
 
 UnicodeString TPropertyList::Value(TextView name) const {
-  const int position = Find(name);
-  return position >= 0 ? fEntries[static_cast<std::size_t>(position)].substr(name.size() + 1)
-                       : UnicodeString();
+  const std::size_t position = Find(name);
+  return position != kNone ? fEntries[position].substr(name.size() + 1) : UnicodeString();
 }
 
-UnicodeString TPropertyList::NameAt(int position) const {
-  const UnicodeString& entry = fEntries[static_cast<std::size_t>(position)];
-  return entry.substr(0, entry.find(u'='));
+std::vector<UnicodeString> TPropertyList::Names() const {
+  std::vector<UnicodeString> names;
+  for (const UnicodeString& entry : fEntries) {
+    if (!entry.empty()) names.push_back(entry.substr(0, entry.find(u'=')));
+  }
+  return names;
 }
 
 void TPropertyList::Append(TextView name, TextView value) {
   fEntries.push_back(UnicodeString(name).append(u"=").append(value));
+  for (auto& [length, index] : fIndexes) Enter(index, length, fEntries.size() - 1);
 }
 
-void TPropertyList::Delete(int position) {
-  fEntries.erase(fEntries.begin() + position);
+void TPropertyList::Delete(TextView name) {
+  if (const std::size_t position = Find(name); position != kNone) fEntries[position].clear();
 }
 
 TPropertyListFile ReadPropertyListFile(TextView fileName, TextView indexProperty) {
   TPropertyListFile result;
   TTextFile file(fileName);
-  // The end is looked for after a record: an empty file still gives one, without name and value.
+  // The end is checked after each record: an empty file still gives one, without name and value.
   do {
     const UnicodeString name = file.ReadLine();
     const UnicodeString value = file.ReadLine();
-    // Of several records with the same name the first with a value counts ...
-    if (!value.empty() && result.Properties.Find(name) < 0) result.Properties.Append(name, value);
-    // ... but the new index is what the file says last, be it nothing. Deliberately the opposite.
+    // Of several records with the same name the first one with a value counts ...
+    if (!value.empty() && !result.Properties.Has(name)) result.Properties.Append(name, value);
+    // ... but the new index is the last one, even if it is empty. Deliberately the opposite.
     if (name == indexProperty) result.NewIndex = value;
   } while (!file.AtEnd());
   return result;

@@ -1,34 +1,45 @@
 #pragma once
 
+#include <cstddef>
+#include <map>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/Text.h"
 
-/// The property values that the host hands over: an ordered list of texts "name=value". Every operation works
-/// on that text, so "A=B=v" is found by "A" (value "B=v") and by "A=B" (value "v"). Positions count from 0.
+/// The property values that the host hands over: an ordered list of texts "name=value". An entry has a name
+/// if its text begins with that name, compared without regard to case by the user's locale, directly followed
+/// by "=". So "A=B=v" is found by "A" (value "B=v") and by "A=B" (value "v").
 class TPropertyList {
  public:
-  int Count() const noexcept { return static_cast<int>(fEntries.size()); }
-
-  /// The first entry that begins with `name`, compared without regard to case by the user's locale, and "="
-  /// directly behind it; -1 when there is none.
-  int Find(TextView name) const;
-  /// What follows the name and its "=" in the entry that Find finds; empty when there is none.
+  bool Has(TextView name) const { return Find(name) != kNone; }
+  /// What follows the name and its "=" in the first entry of that name; empty if there is none.
   UnicodeString Value(TextView name) const;
-  /// The text before the first "=".
-  UnicodeString NameAt(int position) const;
+  /// The text before the first "=" of each entry, in order.
+  std::vector<UnicodeString> Names() const;
 
   void Append(TextView name, TextView value);
-  void Delete(int position);
+  /// Removes the first entry of that name, if there is one.
+  void Delete(TextView name);
 
  private:
-  std::vector<UnicodeString> fEntries;
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  using TIndex = std::unordered_map<std::string, std::vector<std::size_t>>;
+
+  std::size_t Find(TextView name) const;
+  void Enter(TIndex& index, std::size_t length, std::size_t position) const;
+
+  std::vector<UnicodeString> fEntries;  ///< a deleted one is empty
+  /// For each length of a name that was looked for: the entries with "=" after so many characters, by the key
+  /// of these. Keeps reading from comparing each name with all before it.
+  mutable std::map<std::size_t, TIndex> fIndexes;
 };
 
 /// What one property list file says.
 struct TPropertyListFile {
   TPropertyList Properties;
-  /// The value that the file gives for the index property; empty when it names it not or without a value.
+  /// The value that the file gives for the index property; empty if it gives none.
   UnicodeString NewIndex;
 };
 

@@ -34,7 +34,8 @@ void TPropertyUpdate::UpdateExisting() {
   // pass asks for a position that the set no longer has. This is deliberate: the component's answer decides
   // whether the update continues, and an update that it refuses leaves the file unchanged.
   const std::int32_t count = Set().Count();
-  for (std::int32_t index = 1; index <= count; ++index) {
+  for (std::int32_t done = 0; done < count; ++done) {
+    const std::int32_t index = done + 1;
     if (Property(index).Value().IsText()) UpdateOne(index);
   }
 }
@@ -51,19 +52,17 @@ void TPropertyUpdate::UpdateOne(std::int32_t index) {
 
 void TPropertyUpdate::Refill(std::int32_t index) {
   const UnicodeString name = Property(index).Name();
-  const int position = fList.Find(name);
-  if (position < 0) return;
+  if (!fList.Has(name)) return;
   Property(index).Value(TVariant::Text(fList.Value(name)));
-  fList.Delete(position);
+  fList.Delete(name);
 }
 
 std::int32_t TPropertyUpdate::CreateMissing() {
-  const int count = fList.Count();
-  for (int position = 0; position < count; ++position) {
-    const UnicodeString name = fList.NameAt(position);
+  const std::vector<UnicodeString> names = fList.Names();
+  for (const UnicodeString& name : names) {
     Set().AddProperty(TVariant::Text(fList.Value(name)), name, 0);
   }
-  return count;
+  return static_cast<std::int32_t>(names.size());
 }
 
 }  // namespace

@@ -41,7 +41,8 @@ class TDispatch {
   explicit operator bool() const noexcept { return fObject != nullptr; }
 
   /// Calls the member `id`; `arguments` stand in the order of the member's declaration. The result is Empty
-  /// for a member without one. Throws EError of kind Component: with the object's own description where it
+  /// for a member without one. A call that an object in another process rejects because it is busy is
+  /// repeated for up to ten seconds. Throws EError of kind Component: with the object's own description if it
   /// gives one, else with the system's text for the HRESULT. An empty reference answers with a type mismatch.
   TVariant Invoke(std::int32_t id, TInvokeKind kind, std::span<const TVariant> arguments = {}) const;
 
@@ -66,5 +67,6 @@ class TComApartment {
 };
 
 /// Creates the class `clsid`, in this process or in a local server, and asks the new object for `iid`, an
-/// interface that derives from IDispatch. Throws EError of kind Component when either is refused.
+/// interface that derives from IDispatch. Repeats what a busy server rejects, as Invoke does. Throws EError
+/// of kind Component if either is refused.
 TDispatch CreateInstance(const TGuid& clsid, const TGuid& iid);

@@ -19,7 +19,6 @@ UnicodeString InputOutputText(std::int32_t code) {
     case 100:
       return u"Lesen hinter dem Dateiende";
     case 101:
-    case 112:  // the system's code for it
       return u"Datenträger voll";
     case 106:
       return u"Ungültige numerische Eingabe";
@@ -41,6 +40,8 @@ EError InputOutputError(std::int32_t code) {
   return {TErrorKind::InputOutput, code, InputOutputText(code)};
 }
 
-EError ComponentError(std::int32_t result) {
-  return {TErrorKind::Component, result, SystemErrorText(result)};
+EError ComponentError(std::int32_t result, UnicodeString description, UnicodeString source) {
+  const TextView shown = TextView(description).substr(0, description.find(u'\0'));
+  if (shown.find_first_not_of(u" \t\r\n") == TextView::npos) description = SystemErrorText(result);
+  return {TErrorKind::Component, result, std::move(description), std::move(source)};
 }

@@ -44,10 +44,11 @@ constexpr std::int32_t kNotOpenForInput = 104;
 /// An input/output error with its German text; codes without a text of their own read "E/A-Fehler <code>".
 EError InputOutputError(std::int32_t code);
 
-/// A failed HRESULT for which the component left no description: carries the system's text.
-EError ComponentError(std::int32_t result);
+/// A failed call of the component: carries its description or, where that would show nothing (blank, or NUL
+/// at its beginning), the system's text for `result`.
+EError ComponentError(std::int32_t result, UnicodeString description = {}, UnicodeString source = {});
 
-/// HRESULTs that are judged or raised here (winerror.h).
+/// HRESULTs that are compared or raised here (winerror.h).
 constexpr std::int32_t HResult(std::uint32_t code) {
   return static_cast<std::int32_t>(code);
 }
@@ -55,5 +56,6 @@ constexpr std::int32_t kNoInterface = HResult(0x80004002);
 constexpr std::int32_t kClassNotRegistered = HResult(0x80040154);
 constexpr std::int32_t kMemberNotFound = HResult(0x80020003);
 constexpr std::int32_t kTypeMismatch = HResult(0x80020005);
+constexpr std::int32_t kException = HResult(0x80020009);
 constexpr std::int32_t kBadIndex = HResult(0x8002000B);
 constexpr std::int32_t kBadParamCount = HResult(0x8002000E);

@@ -7,7 +7,7 @@
 #include "platform/Text.h"
 
 /// An 8-bit text file read line by line through the ANSI code page. Lines end with LF or CR LF, a CR before
-/// anything else is dropped, Ctrl-Z ends the file. Lines may have any length.
+/// anything else is dropped, Ctrl-Z ends the file. A line of more than 2 GB is an error.
 class TTextFile {
  public:
   /// Opens `name`; the empty name stands for standard input. A file that cannot be opened is reported by the

@@ -12,29 +12,45 @@
 #include "platform/Error.h"
 #include "platform/System.h"
 #include "platform/Variant.h"
+#include "platform/windows/SystemHandles.h"
 #include "platform/windows/VariantConversion.h"
 
 static_assert(sizeof(TGuid) == sizeof(GUID));
 
 namespace {
 
-/// One reference to whatever interface was asked for.
-class TUnknown {
- public:
-  TUnknown() = default;
-  ~TUnknown() {
-    if (fObject != nullptr) fObject->Release();
+/// Asks for an interface, whatever it derives from. Empty when it is refused.
+TComReference<IUnknown> Asked(IUnknown* object, REFIID iid) {
+  TComReference<IUnknown> answer;
+  answer.ReceiveFrom(
+      [&](IUnknown** to) { return object->QueryInterface(iid, reinterpret_cast<void**>(to)); });
+  return answer;
+}
+
+/// True for an object in another process or apartment.
+bool IsProxy(IUnknown* object) {
+  return static_cast<bool>(Asked(object, IID_IClientSecurity));
+}
+
+bool IsRejected(HRESULT outcome) {
+  return outcome == RPC_E_CALL_REJECTED || outcome == RPC_E_SERVERCALL_RETRYLATER;
+}
+
+/// Makes a call again for up to ten seconds while a busy component in another process rejects it: a rejected
+/// call was not executed.
+template <class TCall>
+HRESULT CallWhileRejected(TCall call) {
+  constexpr int kPauseMilliseconds = 100;
+  constexpr int kLimitMilliseconds = 10'000;
+  const std::int64_t end = TickMilliseconds() + kLimitMilliseconds;
+  for (;;) {
+    const HRESULT outcome = call();
+    if (!IsRejected(outcome) || TickMilliseconds() >= end) return outcome;
+    WaitMilliseconds(kPauseMilliseconds);
+    MSG message;
+    ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);  // or Windows reports the windows as hanging
   }
-  TUnknown(const TUnknown&) = delete;
-  TUnknown& operator=(const TUnknown&) = delete;
-
-  IUnknown* operator->() const noexcept { return fObject; }
-  /// Where the system puts the reference; only while this is empty.
-  void** Target() noexcept { return reinterpret_cast<void**>(&fObject); }
-
- private:
-  IUnknown* fObject = nullptr;
-};
+}
 
 /// The arguments of one call as DISPPARAMS wants them: the last one first, and the value of a property put
 /// under the name that marks it as such. A strict component refuses a put without that name.
@@ -81,22 +97,26 @@ class TExceptionInfo {
   /// pointer comes from the other address space and calling it crashes (seen under Wine).
   void FillIn(IDispatch* object) {
     if (fInfo.pfnDeferredFillIn == nullptr) return;
-    TUnknown proxy;
-    if (FAILED(object->QueryInterface(IID_IClientSecurity, proxy.Target()))) fInfo.pfnDeferredFillIn(&fInfo);
+    if (!IsProxy(object)) fInfo.pfnDeferredFillIn(&fInfo);
   }
 
-  /// The component's own words; without any, the system's text for its code where that is an HRESULT.
+  /// With the component's own code, an HRESULT or a number; without either it stays DISP_E_EXCEPTION.
   EError Error() const {
-    const bool hasResult = FAILED(fInfo.scode);
-    UnicodeString description(FromBstr(fInfo.bstrDescription));
-    if (description.empty()) description = SystemErrorText(hasResult ? fInfo.scode : DISP_E_EXCEPTION);
-    return {TErrorKind::Component, hasResult ? fInfo.scode : std::int32_t{fInfo.wCode},
-            std::move(description), UnicodeString(FromBstr(fInfo.bstrSource))};
+    const std::int32_t number = fInfo.wCode != 0 ? fInfo.wCode : DISP_E_EXCEPTION;
+    return ComponentError(FAILED(fInfo.scode) ? fInfo.scode : number,
+                          UnicodeString(FromBstr(fInfo.bstrDescription)),
+                          UnicodeString(FromBstr(fInfo.bstrSource)));
   }
 
  private:
   EXCEPINFO fInfo{};
 };
+
+/// Some components report success without an object.
+void CheckCreated(HRESULT outcome, const IUnknown* object) {
+  if (FAILED(outcome)) throw ComponentError(outcome);
+  if (object == nullptr) throw ComponentError(kNoInterface);
+}
 
 constexpr WORD InvokeFlag(TInvokeKind kind) {
   switch (kind) {
@@ -132,9 +152,13 @@ TVariant TDispatch::Invoke(std::int32_t id, TInvokeKind kind, std::span<const TV
   TComArguments parameters(kind, arguments);
   TComVariant result;
   TExceptionInfo info;
-  const HRESULT outcome =
-      object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, InvokeFlag(kind), parameters.Get(),
-                     kind == TInvokeKind::Put ? nullptr : result.Get(), info.Get(), nullptr);
+  UINT wrongArgument = 0;  // of no use here, but some components write it without asking
+  const auto invoke = [&] {
+    return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, InvokeFlag(kind), parameters.Get(),
+                          kind == TInvokeKind::Put ? nullptr : result.Get(), info.Get(), &wrongArgument);
+  };
+  HRESULT outcome = invoke();
+  if (IsRejected(outcome) && IsProxy(object)) outcome = CallWhileRejected(invoke);
   if (SUCCEEDED(outcome)) return FromComVariant(*result.Get());
   if (outcome != DISP_E_EXCEPTION) throw ComponentError(outcome);
   info.FillIn(object);
@@ -149,13 +173,19 @@ TComApartment::~TComApartment() {
 }
 
 TDispatch CreateInstance(const TGuid& clsid, const TGuid& iid) {
-  TUnknown created;
-  HRESULT outcome =
-      ::CoCreateInstance(std::bit_cast<GUID>(clsid), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
-                         IID_IUnknown, created.Target());
-  if (FAILED(outcome)) throw ComponentError(outcome);
-  void* asked = nullptr;
-  outcome = created->QueryInterface(std::bit_cast<GUID>(iid), &asked);
-  if (FAILED(outcome)) throw ComponentError(outcome);
-  return AdoptComObject(static_cast<IDispatch*>(asked));
+  TComReference<IUnknown> created;
+  CheckCreated(CallWhileRejected([&] {
+                 return created.ReceiveFrom([&](IUnknown** to) {
+                   return ::CoCreateInstance(std::bit_cast<GUID>(clsid), nullptr,
+                                             CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
+                                             reinterpret_cast<void**>(to));
+                 });
+               }),
+               created.Get());
+  IDispatch* asked = nullptr;
+  CheckCreated(CallWhileRejected([&] {
+                 return created->QueryInterface(std::bit_cast<GUID>(iid), reinterpret_cast<void**>(&asked));
+               }),
+               asked);
+  return AdoptComObject(asked);
 }

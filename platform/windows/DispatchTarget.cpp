@@ -95,8 +95,10 @@ class TComTarget final : public IDispatch {
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
     return DISP_E_UNKNOWNNAME;
   }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters,
-                                   VARIANT* result, EXCEPINFO* info, UINT*) override {
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* parameters,
+                                   VARIANT* result, EXCEPINFO* info, UINT* wrongArgument) override {
+    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+    if (wrongArgument == nullptr) return E_POINTER;  // strict: some components write it without asking
     try {
       return Answer(id, flags, *parameters, result);
     } catch (const EError& error) {

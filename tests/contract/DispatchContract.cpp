@@ -6,15 +6,15 @@
 
 #include "platform/DispatchTarget.h"
 #include "platform/Error.h"
+#include "platform/System.h"
 #include "platform/Variant.h"
 
 // What every back end owes to the callers of TDispatch.
 
 namespace {
 
-constexpr std::int32_t kEcho = 0x03001D03;       // answers its first argument
-constexpr std::int32_t kDescribed = 0x7F000006;  // fails with a description
-constexpr std::int32_t kBare = 0;                // fails with an HRESULT alone
+constexpr std::int32_t kEcho = 0x03001D03;  // answers its first argument
+constexpr std::int32_t kFails = 0x7F000006;
 
 struct TCall {
   std::int32_t Id;
@@ -28,12 +28,11 @@ class TRecorder : public TDispatchTarget {
 
   TVariant Invoke(std::int32_t id, TInvokeKind kind, std::span<const TVariant> arguments) override {
     fCalls.push_back({id, kind, {arguments.begin(), arguments.end()}});
-    if (id == kDescribed) {
-      throw EError(TErrorKind::Component, HResult(0x80004005), u"Zeile 1\r\nÄndern verweigert €", u"Quelle");
-    }
-    if (id == kBare) throw EError(TErrorKind::Component, kBadIndex, {});
+    if (id == kFails) throw Fail;
     return arguments.empty() ? TVariant() : arguments[0];
   }
+
+  EError Fail{TErrorKind::Component, 0, {}};
 
  private:
   std::vector<TCall>& fCalls;
@@ -93,14 +92,23 @@ TEST_F(DispatchContract, ArgumentsKeepTheirOrder) {
 }
 
 TEST_F(DispatchContract, ErrorsCarryDescriptionOrSystemText) {
-  const EError described = ErrorOf(object, kDescribed);
+  target->Fail =
+      EError(TErrorKind::Component, HResult(0x80004005), u"Zeile 1\r\nÄndern verweigert €", u"Quelle");
+  const EError described = ErrorOf(object, kFails);
   EXPECT_EQ(described.Kind(), TErrorKind::Component);
   EXPECT_EQ(described.Code(), HResult(0x80004005));
   EXPECT_EQ(described.Message(), u"Zeile 1\r\nÄndern verweigert €");
   EXPECT_EQ(described.Source(), u"Quelle");
 
-  const EError bare = ErrorOf(object, kBare);
-  EXPECT_EQ(bare.Code(), kBadIndex);
+  // A description that would show nothing counts as none; an error without a code is an exception.
+  for (const UnicodeString& text : {UnicodeString(), UnicodeString(u" \r\n"), UnicodeString(u"\0x", 2)}) {
+    target->Fail = EError(TErrorKind::Component, kBadIndex, text);
+    EXPECT_EQ(ErrorOf(object, kFails).Code(), kBadIndex);
+    EXPECT_EQ(ErrorOf(object, kFails).Message(), SystemErrorText(kBadIndex));
+  }
+  target->Fail = EError(TErrorKind::Component, 0, u"ohne Code");
+  EXPECT_EQ(ErrorOf(object, kFails).Code(), kException);
+  EXPECT_EQ(ErrorOf(object, kFails).Message(), u"ohne Code");
   EXPECT_EQ(ErrorOf(TDispatch(), kEcho).Code(), kTypeMismatch);
 }
 

@@ -1,5 +1,7 @@
 // The property list file against a plain reading of the same bytes.
 
+#include <algorithm>
+
 #include "headless/Machine.h"
 #include "inventor/PropertyList.h"
 #include "tests/fuzz/Fuzz.h"
@@ -25,13 +27,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (name == u"REV") index = value;
   }
   fuzz::Require(file.NewIndex == index, "the new index is what the file says last");
-  fuzz::Require(file.Properties.Count() == static_cast<int>(entries.size()), "the number of entries");
-  for (int i = 0; i < file.Properties.Count(); ++i) {
-    const UnicodeString name = file.Properties.NameAt(i);
-    const int found = file.Properties.Find(name);
-    fuzz::Require(found >= 0 && found <= i, "the first entry of a name is found");
-    const UnicodeString& entry = entries[static_cast<std::size_t>(found)];
-    fuzz::Require(file.Properties.Value(name) == entry.substr(name.size() + 1), "its value");
+  const std::vector<UnicodeString> names = file.Properties.Names();
+  fuzz::Require(names.size() == entries.size(), "the number of entries");
+  for (const UnicodeString& name : names) {
+    const UnicodeString front = name + u"=";
+    const auto first = std::ranges::find_if(
+        entries, [&](const auto& entry) { return SameText(entry.substr(0, front.size()), front); });
+    fuzz::Require(file.Properties.Has(name), "each entry is found by its name");
+    fuzz::Require(file.Properties.Value(name) == first->substr(front.size()), "the first value of a name");
   }
   return 0;
 }

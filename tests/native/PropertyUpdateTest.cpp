@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "inventor/ApprenticeServer.h"
+#include "platform/Error.h"
 #include "simulator/DocumentFile.h"
 #include "tests/support/ProgramTest.h"
 
@@ -155,4 +157,14 @@ TEST_F(PropertyUpdateTest, RemovesFirstTextHint) {
     EXPECT_EQ(members, expected + "CloseDocument ");
     EXPECT_EQ(LiveObjects(), 0);
   }
+}
+
+TEST_F(PropertyUpdateTest, SimulatorRefusesMalformedProperty) {
+  WriteDocument("A=1", true);
+  StartComponent();
+  const TApprenticeServer server;
+  const TPropertySet set = server.OpenDocument(UnicodeString(kDocument)).CustomProperties();
+  EXPECT_THROW(set.AddProperty(TVariant::Text(u"1"), u"B", 7), EError);
+  EXPECT_THROW(set.AddProperty(TVariant::Text(u"1"), u"", 0), EError);
+  EXPECT_EQ(set.Count(), 1);
 }
