@@ -153,6 +153,7 @@ TEST_F(ExportDialogE2e, ColumnsFollowDividers) {
     dialog.Click(L"Alle Knoten öffnen");
     return list.RowCount() == kLevels;
   }));
+  ::SendMessageW(dialog.List(), WM_KEYDOWN, VK_END, 0);
   // Where the sign of the last branch would be in a wide column.
   for (short y = 30; y < 580; y += 10) {
     ::SendMessageW(dialog.List(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(15 + (kLevels - 2) * 18 + 9, y));
