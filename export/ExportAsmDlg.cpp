@@ -60,9 +60,12 @@ TfrmExportAsm::TfrmExportAsm(TForm& owner)
       ASMTreeListcxDBTreeListColumn2(
           ASMTreeList.AddColumn({.Caption = u"Bezeichnung", .FieldName = u"DisplayName", .Width = 454})),
       ASMTreeListcxDBTreeListColumn3(
-          ASMTreeList.AddColumn({.Caption = u"Datei", .FieldName = u"Filename", .Width = 380})),
-      ASMTreeListcxDBTreeListColumn4(ASMTreeList.AddColumn(
-          {.Caption = u"Kopieren", .FieldName = u"DoCopy", .Visible = false, .Tag = kCopyColumn})),
+          ASMTreeList.AddColumn({.Caption = u"Datei", .FieldName = u"Filename", .Width = 380, .Path = true})),
+      ASMTreeListcxDBTreeListColumn4(ASMTreeList.AddColumn({.Caption = u"Kopieren",
+                                                            .FieldName = u"DoCopy",
+                                                            .Visible = false,
+                                                            .Clickable = true,
+                                                            .Tag = kCopyColumn})),
       ASMTreeListcxDBTreeListColumn5(
           ASMTreeList.AddColumn({.Caption = u"DTID", .FieldName = u"DTID", .Visible = false})),
       ASMTreeListcxDBTreeListColumn6(
@@ -93,6 +96,7 @@ void TfrmExportAsm::DesignTree() {
   ASMTreeList.SetBounds({0, 0, kClientWidth, kTreeBottom}, kAllSides);
   ASMTreeList.SetFont(kDialogFont);
   ASMTreeList.SetHeaderFont(kHeaderFont);
+  ASMTreeList.SetName(u"Dateien der Baugruppe");
   ASMTreeList.KeyField = u"AutoID";
   ASMTreeList.ParentField = u"Parent";
   ASMTreeList.ImageField = u"ImgIndex";

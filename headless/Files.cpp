@@ -53,14 +53,32 @@ TLocalTime LocalTime(std::time_t time) {
           byte(local.tm_sec)};
 }
 
+TEntryKind KindOf(unsigned mode) {
+  if (S_ISREG(mode)) return TEntryKind::File;
+  return S_ISDIR(mode) ? TEntryKind::Folder : TEntryKind::Other;
+}
+
 TFolderEntry Entry(int folder, const char* name) {
   struct stat status = {};
   if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) throw InputOutputError(errno);
-  TEntryKind kind = TEntryKind::Other;
-  if (S_ISREG(status.st_mode)) kind = TEntryKind::File;
-  if (S_ISDIR(status.st_mode)) kind = TEntryKind::Folder;
+  const TEntryKind kind = KindOf(status.st_mode);
   const auto size = kind == TEntryKind::File ? static_cast<std::uint64_t>(status.st_size) : 0;
   return {TextFromUtf8(name), kind, size, LocalTime(status.st_mtime)};
+}
+
+/// Shows `onEntry` what is in the folder until it answers false. Returns the error that ended it otherwise.
+template <class TCall>
+int Search(TextView path, const TCall& onEntry) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(HostPath(path).c_str()),
+                                                   [](DIR* open) { return ::closedir(open); });
+  while (folder != nullptr) {
+    errno = 0;
+    const dirent* entry = ::readdir(folder.get());
+    if (entry == nullptr) break;
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != ".." && !onEntry(folder.get(), *entry)) return 0;
+  }
+  return errno;
 }
 
 constexpr std::int32_t kFileNotFound = 2;
@@ -98,6 +116,16 @@ std::optional<UnicodeString> DesktopFolder() {
   return Machine().DesktopFolder;
 }
 
+bool RootAnswers(TextView root) {
+  if (Fails("RootAnswers")) return false;
+  std::error_code error;
+  return std::filesystem::is_directory(HostPath(root), error);
+}
+
+UnicodeString UpperFileName(TextView name) {
+  return UnicodeString(name);  // letter case matters on this machine
+}
+
 bool CreateFolders(TextView path) {
   if (Fails("CreateFolders")) return false;
   std::error_code error;
@@ -105,21 +133,26 @@ bool CreateFolders(TextView path) {
   return FolderExists(path);
 }
 
+TListingEnd ListNames(TextView folder, const std::function<bool(TextView, TEntryKind)>& onName) {
+  if (Fails("ListNames")) return TListingEnd::Refused;
+  bool stopped = false;
+  const int error = Search(folder, [&](DIR*, const dirent& entry) {
+    stopped = !onName(TextFromUtf8(entry.d_name), KindOf(DTTOIF(entry.d_type)));
+    return !stopped;
+  });
+  if (error == ENOENT || error == ENOTDIR) return TListingEnd::NoFolder;
+  if (error != 0) return TListingEnd::Refused;
+  return stopped ? TListingEnd::Stopped : TListingEnd::Complete;
+}
+
 std::vector<TFolderEntry> ListFolder(TextView path) {
   ThrowIfFails("ListFolder");
-  const std::filesystem::path host = HostPath(path);
-  const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(host.c_str()),
-                                                   [](DIR* open) { return ::closedir(open); });
-  if (folder == nullptr) throw InputOutputError(errno);
   std::vector<TFolderEntry> entries;
-  for (;;) {
-    errno = 0;
-    const dirent* entry = ::readdir(folder.get());
-    if (entry == nullptr) break;
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") entries.push_back(Entry(::dirfd(folder.get()), entry->d_name));
-  }
-  if (errno != 0) throw InputOutputError(errno);
+  const int error = Search(path, [&entries](DIR* folder, const dirent& entry) {
+    entries.push_back(Entry(::dirfd(folder), entry.d_name));
+    return true;
+  });
+  if (error != 0) throw InputOutputError(error);
   return entries;
 }
 

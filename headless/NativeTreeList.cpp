@@ -45,7 +45,7 @@ struct TList {
 std::string TList::Drawn(std::size_t line) const {
   const TTreeListLine shape = Events.Line(line);
   std::string text = line == Current ? "> " : "  ";
-  text.append(2 * static_cast<std::size_t>(shape.Level), ' ');
+  text.append(2 * static_cast<std::size_t>(shape.Indent), ' ');
   text += !shape.HasChildren ? "    " : shape.Open ? "[-] " : "[+] ";
   text += std::to_string(shape.Image);
   for (std::size_t column = 0; column < Columns.size(); ++column) {
@@ -69,6 +69,8 @@ TNativeTreeList::TNativeTreeList(TNativeWindow& host, TTreeListEvents events)
 TNativeTreeList::~TNativeTreeList() {
   std::erase(TList::Living(), fImpl.get());
 }
+
+void TNativeTreeList::SetName(TextView) {}
 
 void TNativeTreeList::SetScale(const TFont&, const TFont&, int dpi) {
   fImpl->Dpi = dpi;
@@ -110,16 +112,16 @@ std::size_t TNativeTreeList::PageSize() const {
   return fImpl->PageSize();
 }
 
-int TNativeTreeList::NeededWidth(TextView text) const {
-  return fImpl->Scaled(kCharacterWidth * (static_cast<int>(text.size()) + 2));
+int TNativeTreeList::NeededWidth(const TTreeListCell& cell) const {
+  return fImpl->Scaled(kCharacterWidth * static_cast<int>(cell.Text.size() + cell.Warning.size() + 2));
 }
 
-int TNativeTreeList::TreeWidth(int level) const {
-  return fImpl->Scaled((level + 2) * kLevelWidth);
+int TNativeTreeList::TreeWidth(int indent) const {
+  return fImpl->Scaled((indent + 2) * kLevelWidth);
 }
 
 int TNativeTreeList::NeededHeaderWidth(TextView caption) const {
-  return NeededWidth(caption);
+  return fImpl->Scaled(kCharacterWidth * static_cast<int>(caption.size() + 2));
 }
 
 namespace headless {
@@ -174,6 +176,14 @@ void TTreeListScreen::Toggle(std::size_t line) {
 
 void TTreeListScreen::DoubleClick(std::size_t line) {
   Application->Guard([line] { TList::Shown().Events.OnDoubleClick(line); });
+}
+
+void TTreeListScreen::MoveDivider(std::size_t column, int width) {
+  Application->Guard([=] { TList::Shown().Events.OnDividerMoved(column, width); });
+}
+
+void TTreeListScreen::DoubleClickDivider(std::size_t column) {
+  Application->Guard([column] { TList::Shown().Events.OnDividerDoubleClick(column); });
 }
 
 void TTreeListScreen::ClickHeader(std::size_t column) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -12,8 +13,15 @@
 /// True also for a folder that is reached through a link whose target exists.
 bool FolderExists(TextView path);
 
-/// False for a folder.
+/// False for a folder. Asks the system each time; for many files see TExistingFiles.
 bool FileExists(TextView path);
+
+/// False where asking for any file of a drive or share ("C:", "\\Server\Share") would be in vain: there is no
+/// such root, or it does not answer.
+bool RootAnswers(TextView root);
+
+/// `name` as the file system compares it: two names are the same file to it when these are equal.
+UnicodeString UpperFileName(TextView name);
 
 /// The folder for short-lived files, with a separator at its end.
 UnicodeString TemporaryFolder();
@@ -48,7 +56,17 @@ struct TFolderEntry {
   TLocalTime Modified;
 };
 
-/// What lies in the folder itself, in no order. Throws EError of kind InputOutput with the system's code.
+enum class TListingEnd {
+  Complete,
+  Stopped,   ///< by the caller
+  NoFolder,  ///< there is no such folder
+  NoAnswer,  ///< from the drive or server that the folder is on
+  Refused,   ///< for any other reason: files that are asked for by name may still be found
+};
+/// Shows `onName` the names in the folder, in no order, until it answers false.
+TListingEnd ListNames(TextView folder, const std::function<bool(TextView name, TEntryKind kind)>& onName);
+
+/// What is in the folder itself, in no order. Throws EError of kind InputOutput with the system's code.
 std::vector<TFolderEntry> ListFolder(TextView path);
 
 /// A file, or the process's standard input, open for reading from front to back. Closes what it opened
@@ -104,7 +122,7 @@ class TOutputFile {
 
   /// Writes all of `bytes` at the end.
   void Write(std::span<const char> bytes);
-  /// Writes over what stands at `position`; all of it must lie before the end.
+  /// Overwrites what is at `position`; all of it must be before the end.
   void WriteAt(std::uint64_t position, std::span<const char> bytes);
   /// Some file systems report only here that the data could not be kept. No other call is allowed afterwards.
   void Close();

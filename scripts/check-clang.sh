@@ -18,7 +18,7 @@ scripts/build.sh windows-clang
 
 scripts/lint.sh
 echo "check-clang.sh: analysing the sources of the Windows part"
-mapfile -t files < <(find platform/windows ui/windows simulator/com -name '*.cpp' | sort)
+mapfile -t files < <(find platform/windows ui/windows simulator/com scripts/demo -name '*.cpp' | sort)
 printf '%s\0' "${files[@]}" |
     xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build/windows-clang --quiet --checks='-*,clang-analyzer-*' \
         --warnings-as-errors='*' 2> >(grep -vE '^[0-9]+ warnings generated\.$' >&2)

@@ -1,11 +1,28 @@
 #include "ui/TreeList.h"
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <utility>
 
 #include "ui/Application.h"
-#include "ui/ColumnLayout.h"
+
+namespace {
+
+std::optional<TTreeKey> CommandOf(char16_t letter) {
+  switch (letter) {
+    case u'+':
+      return TTreeKey::Open;
+    case u'-':
+      return TTreeKey::Close;
+    case u'*':
+      return TTreeKey::OpenBranch;
+    default:
+      return std::nullopt;
+  }
+}
+
+}  // namespace
 
 /// Puts the query's cursor back to where it was, even if that was after the last row.
 struct TTreeList::TCursorKeeper {
@@ -37,6 +54,11 @@ const UnicodeString& TTreeColumn::WarningFor(const UnicodeString& value) {
   return entry->second;
 }
 
+UnicodeString TTreeColumn::KnownWarning(const UnicodeString& value) const {
+  const auto known = fWarnings.find(value);
+  return known == fWarnings.end() ? UnicodeString() : known->second;
+}
+
 TTreeList::TTreeList(TForm& form) : TControl(TWindowKind::TreeList, form), fNative(Window(), Events()) {
   TTreeList::Arranged();
   ShowCurrent();
@@ -63,6 +85,8 @@ TTreeListEvents TTreeList::Events() {
           [this](std::size_t column) {
             if (OnColumnHeaderClick && !Application->Busy()) OnColumnHeaderClick(*fVisible.at(column));
           },
+      .OnDividerMoved = [this](std::size_t column, int width) { DividerMoved(column, width); },
+      .OnDividerDoubleClick = [this](std::size_t column) { DividerDoubleClicked(column); },
       .OnWidthChanged = [this] { FitWidths(); },
   };
 }
@@ -94,64 +118,80 @@ void TTreeList::Arranged() {
 void TTreeList::ShowColumns() {
   fVisible.clear();
   std::vector<TTreeListHeader> headers;
+  std::vector<int> shares;
   for (const auto& column : fColumns) {
     if (!column->Visible()) continue;
     fVisible.push_back(column.get());
-    headers.push_back({column->Caption(), column->Alignment()});
+    const TTreeColumnDesign& design = column->fDesign;
+    headers.push_back({design.Caption, design.Alignment, design.Clickable, design.Path});
+    shares.push_back(design.Width);
   }
+  fLayout.SetShares(std::move(shares));
   BindFields();
   fNative.SetColumns(headers);
   FitWidths();
 }
 
 void TTreeList::FitWidths() {
-  std::vector<int> shares;
-  for (const TTreeColumn* column : fVisible) shares.push_back(ShareOf(*column));
-  const int space = fNative.ColumnSpace();
-  std::vector<int> widths = DivideWidth(shares, space);
-  // Where room is short, the other columns give way to what the tree's column needs.
-  const bool fitted = !fVisible.empty() && fVisible.front()->fFittedWidth != 0;
-  const int needed = fitted ? std::min(ScaledToDpi(shares.front(), Dpi()), space / 2) : 0;
-  if (needed != 0 && widths.front() < needed) {
-    widths = DivideWidth(std::span(shares).subspan(1), space - needed);
-    widths.insert(widths.begin(), needed);
-  }
+  if (fVisible.empty()) return;
+  const std::vector<int> widths = fLayout.Widths(fNative.ColumnSpace(), Dpi());
+  LimitIndent(widths.front());
   fNative.SetColumnWidths(widths);
 }
 
-/// The tree's column grows with the branches that are opened, but leaves half of the width to the others.
-int TTreeList::ShareOf(const TTreeColumn& column) const {
-  if (column.fFittedWidth == 0) return column.fDesign.Width;
-  if (&column != fVisible.front()) return column.fFittedWidth;
-  int designed = 0;
-  for (const TTreeColumn* each : fVisible) designed += each->fDesign.Width;
-  const int level = std::min(fDepth, designed);  // deeper than there are pixels
-  return std::min(column.fFittedWidth + Designed(fNative.TreeWidth(level)), std::max(designed / 2, 1));
-}
-
-int TTreeList::Designed(int pixels) const {
-  return (pixels * kDesignDpi + Dpi() - 1) / Dpi();
+/// Where the tree's column cannot have what it needs, deep levels are drawn less far to the right: their
+/// texts, or half of a column that was never fitted, stay free.
+void TTreeList::LimitIndent(int columnWidth) {
+  fIndentLimit = std::numeric_limits<int>::max();
+  if (fTreeNeeds != 0 && columnWidth >= ScaledToDpi(fTreeNeeds, Dpi())) return;
+  const int text = fTreeNeeds != 0 ? ScaledToDpi(fTreeTextNeeds, Dpi()) : columnWidth / 2;
+  const int level = std::max(fNative.TreeWidth(1) - fNative.TreeWidth(0), 1);
+  fIndentLimit = std::max((columnWidth - text - fNative.TreeWidth(0)) / level, 0);
 }
 
 void TTreeList::FitWantedColumns() {
-  for (TTreeColumn* column : fVisible) {
-    if (std::exchange(column->fFitWanted, false)) Fit(*column);
+  for (std::size_t i = 0; i < fVisible.size(); ++i) {
+    if (!std::exchange(fVisible[i]->fFitWanted, false) || fModel.NodeCount() == 0) continue;
+    const int needed = NeededWidth(i);
+    if (i == 0) {
+      fLayout.KeepFirst(fTreeNeeds);
+    } else {
+      fLayout.Resize(i, needed, fNative.ColumnSpace(), Dpi());
+    }
   }
   FitWidths();
 }
 
-/// One walk over the rows in view, and one measurement.
-void TTreeList::Fit(TTreeColumn& column) {
-  if (fModel.LineCount() == 0) return;
+/// One walk over all rows.
+int TTreeList::NeededWidth(std::size_t column) {
   const TCursorKeeper keeper(*fQuery);
-  const TField& field =
-      fFields[static_cast<std::size_t>(std::ranges::find(fVisible, &column) - fVisible.begin())];
-  const UnicodeString longest = fModel.LongestText([this, &field](std::size_t record) {
-    fQuery->GoTo(record);
-    return field.AsText();
-  });
-  const int caption = fNative.NeededHeaderWidth(column.Caption());
-  column.fFittedWidth = Designed(std::max(caption, fNative.NeededWidth(longest)));
+  const TTreeColumn& owner = *fVisible[column];
+  int needed = fNative.NeededHeaderWidth(owner.Caption());
+  int widestText = 0;
+  for (std::size_t node = 0; node < fModel.NodeCount(); ++node) {
+    fQuery->GoTo(fModel.Record(node));
+    TTreeListCell cell{fFields[column].AsText(), {}};
+    cell.Warning = owner.KnownWarning(cell.Text);
+    const int width = fNative.NeededWidth(cell);
+    widestText = std::max(widestText, width);
+    needed = std::max(needed, column == 0 ? width + fNative.TreeWidth(fModel.Level(node)) : width);
+  }
+  if (column == 0) {
+    fTreeNeeds = DesignedWidth(needed, Dpi());
+    fTreeTextNeeds = DesignedWidth(widestText, Dpi());
+  }
+  return needed;
+}
+
+void TTreeList::DividerMoved(std::size_t column, int width) {
+  if (column >= fVisible.size()) return;
+  fLayout.Resize(column, width, fNative.ColumnSpace(), Dpi());
+  FitWidths();
+}
+
+void TTreeList::DividerDoubleClicked(std::size_t column) {
+  if (Updating() || Application->Busy() || fModel.NodeCount() == 0) return;
+  DividerMoved(column, NeededWidth(column));
 }
 
 // --- binding ---
@@ -169,6 +209,9 @@ void TTreeList::SetDataSource(TQuery* query) {
 
 void TTreeList::QueryChanged(TQueryChange change) {
   if (change == TQueryChange::Closing) return Unbind();
+  if (change == TQueryChange::Opened) {
+    for (const auto& column : fColumns) column->fWarnings.clear();
+  }
   fBindWanted = Updating();
   // The cursor is on the new row, and stays there.
   if (!Updating()) Bind(change == TQueryChange::Inserted ? fQuery->Row() : TTreeListModel::kNone);
@@ -246,12 +289,8 @@ void TTreeList::EndUpdate() noexcept {
 
 // --- what the user sees and does ---
 
-/// The depth comes first: where the native list gets a scroll bar it fits the widths by itself, and fitting
-/// them once more then changes nothing.
 void TTreeList::ShowLines() {
-  const bool depthChanged = std::exchange(fDepth, fModel.Depth()) != fModel.Depth();
   fNative.SetLines(fModel.LineCount(), fModel.CurrentLine());
-  if (depthChanged) FitWidths();
 }
 
 void TTreeList::ShowCurrent() {
@@ -292,25 +331,33 @@ void TTreeList::KeyPressed(TTreeKey key) {
   Perform(true, [this, key] { fModel.Press(key, fNative.PageSize()); });
 }
 
-/// The same letter again looks for the next row that begins with it.
+/// The same letter again finds the next row that begins with it. A sign for a branch is a letter only while a
+/// search is on and a name goes on with it.
 void TTreeList::LetterTyped(char16_t letter, bool continued) {
   if (Updating() || Application->Busy() || fModel.NodeCount() == 0 || fVisible.empty()) return;
-  if (!continued) {
-    if (letter == u'+') return KeyPressed(TTreeKey::Open);
-    if (letter == u'-') return KeyPressed(TTreeKey::Close);
-    if (letter == u'*') return KeyPressed(TTreeKey::OpenBranch);
-    fTyped.clear();
-  }
+  if (!continued) fTyped.clear();
+  const bool searching = !fTyped.empty();
+  if (!searching && letter == u' ') return;
+  const std::optional<TTreeKey> command = CommandOf(letter);
   if (fTyped != TextView(&letter, 1)) fTyped += letter;
+  if ((searching || !command) && FindTyped()) return;
+  if (!command) return;
+  fTyped.clear();
+  KeyPressed(*command);
+}
+
+bool TTreeList::FindTyped() {
   const std::size_t from = fModel.Current() + (fTyped.size() == 1 ? 1 : 0);
-  Perform(true, [this, from] {
+  bool found = false;
+  Perform(true, [this, from, &found] {
     const TCursorKeeper keeper(*fQuery);
     const TField field = fQuery->Field(SearchField.empty() ? fVisible.front()->FieldName() : SearchField);
-    fModel.Find(fTyped, from, [this, &field](std::size_t record) {
+    found = fModel.Find(fTyped, from, [this, &field](std::size_t record) {
       fQuery->GoTo(record);
       return field.AsText();
     });
   });
+  return found;
 }
 
 void TTreeList::LineSelected(std::size_t line) {
@@ -328,12 +375,18 @@ void TTreeList::LineToggled(std::size_t line) {
 TTreeListLine TTreeList::LineAt(std::size_t line) const {
   if (Updating() || line >= fModel.LineCount()) return {};
   const std::size_t node = fModel.NodeAt(line);
-  TTreeListLine answer{
-      fModel.Level(node), fModel.Image(node), fModel.HasChildren(node), fModel.IsOpen(node), {}};
+  const int level = fModel.Level(node);
+  TTreeListLine answer{.Level = level,
+                       .Indent = std::min(level, fIndentLimit),
+                       .Image = fModel.Image(node),
+                       .HasChildren = fModel.HasChildren(node),
+                       .Open = fModel.IsOpen(node),
+                       .Continues = {}};
+  answer.Continues.resize(static_cast<std::size_t>(answer.Indent) + 1);
   for (std::size_t i = node; i != TTreeListModel::kNone; i = fModel.Parent(i)) {
-    answer.Continues.push_back(fModel.HasNextSibling(i));
+    const auto indent = static_cast<std::size_t>(std::min(fModel.Level(i), fIndentLimit));
+    if (fModel.HasNextSibling(i)) answer.Continues[indent] = true;
   }
-  std::reverse(answer.Continues.begin(), answer.Continues.end());
   return answer;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "database/Query.h"
+#include "ui/ColumnLayout.h"
 #include "ui/Controls.h"
 #include "ui/NativeTreeList.h"
 #include "ui/TreeListModel.h"
@@ -19,6 +20,8 @@ struct TTreeColumnDesign {
   int Width = 64;
   TAlignment Alignment = TAlignment::Left;
   bool Visible = true;
+  bool Clickable = false;  ///< the header answers to clicks, and looks like it
+  bool Path = false;       ///< shows paths, which are shortened in the middle
   int Tag = 0;
 };
 
@@ -29,27 +32,27 @@ class TTreeColumn {
   TTreeColumn(const TTreeColumn&) = delete;
   TTreeColumn& operator=(const TTreeColumn&) = delete;
 
-  /// Asked once for each text that is drawn; the answer is remembered. A warning is drawn before the text,
-  /// after an icon; an empty one is none.
+  /// Asked once for each text that is drawn; the answer is remembered until the query is opened anew. A
+  /// warning is drawn before the text, after an icon; an empty one is none.
   std::function<UnicodeString(const UnicodeString& value)> OnValidateDrawValue;
 
   const UnicodeString& Caption() const noexcept { return fDesign.Caption; }
   const UnicodeString& FieldName() const noexcept { return fDesign.FieldName; }
-  TAlignment Alignment() const noexcept { return fDesign.Alignment; }
   bool Visible() const noexcept { return fDesign.Visible; }
   int Tag() const noexcept { return fDesign.Tag; }
 
   void SetVisible(bool visible);
-  /// Makes the column's share of the width what the longest text in an open branch needs.
+  /// Makes the column as wide as its widest row, in open and closed branches, as far as there is room.
   void ApplyBestFit();
 
  private:
   friend class TTreeList;
   const UnicodeString& WarningFor(const UnicodeString& value);
+  /// Empty also for a text that was not drawn yet.
+  UnicodeString KnownWarning(const UnicodeString& value) const;
 
   TTreeList& fList;
   TTreeColumnDesign fDesign;
-  int fFittedWidth = 0;  // in pixels at kDesignDpi; 0: as designed
   bool fFitWanted = false;
   std::map<UnicodeString, UnicodeString> fWarnings;
 };
@@ -83,6 +86,8 @@ class TTreeList : public TControl {
   void SetDataSource(TQuery* query);
   TTreeColumn& AddColumn(TTreeColumnDesign design);
   void SetHeaderFont(const TFont& font);
+  /// What a screen reader calls the list.
+  void SetName(TextView name) { fNative.SetName(name); }
 
   /// Between these nothing is bound, measured or drawn; it is made up for at the end of the outermost pair.
   /// An end without a beginning does nothing. Errors of the binding go to the application's default handling.
@@ -116,21 +121,24 @@ class TTreeList : public TControl {
   void ShowLines();
   void ShowCurrent();
   void FitWidths();
-  int ShareOf(const TTreeColumn& column) const;
-  int Designed(int pixels) const;
-  void Fit(TTreeColumn& column);
+  void LimitIndent(int columnWidth);
+  int NeededWidth(std::size_t column);
   void FitWantedColumns();
 
   TTreeListLine LineAt(std::size_t line) const;
   TTreeListCell CellAt(std::size_t line, std::size_t column);
   void KeyPressed(TTreeKey key);
   void LetterTyped(char16_t letter, bool continued);
+  bool FindTyped();
+  void DividerMoved(std::size_t column, int width);
+  void DividerDoubleClicked(std::size_t column);
   void LineSelected(std::size_t line);
   void LineToggled(std::size_t line);
 
   std::vector<std::unique_ptr<TTreeColumn>> fColumns;
   std::vector<TTreeColumn*> fVisible;
   std::vector<TField> fFields;  // of the visible columns, while rows are bound
+  TColumnLayout fLayout;
   TTreeListModel fModel;
   TQuery* fQuery = nullptr;
   int fUpdates = 0;
@@ -138,7 +146,11 @@ class TTreeList : public TControl {
   UnicodeString fTyped;
   TFont fHeaderFont;
   TFont fScaledFont;
-  int fScaledDpi = 0;       // what the native list has been told
-  int fDepth = 0;           // of the rows in view
+  int fScaledDpi = 0;  // what the native list has been told
+  // What the tree's column needs, in pixels at kDesignDpi, once it was fitted: for all, and for its texts
+  // alone.
+  int fTreeNeeds = 0;
+  int fTreeTextNeeds = 0;
+  int fIndentLimit = 0;     // deeper levels are drawn at this indent
   TNativeTreeList fNative;  // declared last, destroyed first: its events use the members above
 };

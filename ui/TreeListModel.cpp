@@ -8,7 +8,7 @@ namespace {
 using TPosition = std::uint32_t;
 constexpr TPosition kNobody = std::numeric_limits<TPosition>::max();
 
-/// The record that each record hangs under; kNobody at the top level.
+/// The record above each record; kNobody at the top level.
 std::vector<TPosition> ParentsOf(std::span<const TTreeRow> rows, std::int64_t root) {
   std::vector<std::pair<std::int64_t, TPosition>> keys;
   keys.reserve(rows.size());
@@ -23,8 +23,8 @@ std::vector<TPosition> ParentsOf(std::span<const TTreeRow> rows, std::int64_t ro
   return parents;
 }
 
-/// Takes the parent from one record of each ring. Records are visited in their order, and each way up ends
-/// where an earlier one has been.
+/// Takes the parent from one record of each ring. Records are visited in order; each way up ends where an
+/// earlier one has been.
 void CutRings(std::vector<TPosition>& parents) {
   std::vector<TPosition> visitedFrom(parents.size(), kNobody);
   for (TPosition start = 0; start < parents.size(); ++start) {
@@ -226,19 +226,4 @@ bool TTreeListModel::Find(TextView prefix, std::size_t from, const TText& text) 
     return true;
   }
   return false;
-}
-
-UnicodeString TTreeListModel::LongestText(const TText& text) const {
-  UnicodeString longest;
-  for (const std::uint32_t node : fLines) {
-    UnicodeString candidate = text(Record(node));
-    if (candidate.size() > longest.size()) longest = std::move(candidate);
-  }
-  return longest;
-}
-
-int TTreeListModel::Depth() const noexcept {
-  std::uint32_t depth = 0;
-  for (const std::uint32_t node : fLines) depth = std::max<std::uint32_t>(depth, fNodes[node].Level);
-  return static_cast<int>(depth);
 }

@@ -37,19 +37,51 @@ std::uint64_t Joined(DWORD high, DWORD low) {
   return std::uint64_t{high} << 32 | low;
 }
 
+TEntryKind KindOf(const WIN32_FIND_DATAW& found) {
+  if (IsLink(found)) return TEntryKind::Other;
+  return (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? TEntryKind::Folder : TEntryKind::File;
+}
+
 TFolderEntry Entry(const WIN32_FIND_DATAW& found) {
-  TEntryKind kind = TEntryKind::File;
-  if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) kind = TEntryKind::Folder;
-  if (IsLink(found)) kind = TEntryKind::Other;
+  const TEntryKind kind = KindOf(found);
   const auto size = kind == TEntryKind::File ? Joined(found.nFileSizeHigh, found.nFileSizeLow) : 0;
   return {UnicodeString(FromWide(found.cFileName)), kind, size, LocalTime(found.ftLastWriteTime)};
+}
+
+/// Shows `onFound` what is in the folder until it answers false, which is no error. The end of the folder is
+/// ERROR_NO_MORE_FILES.
+template <class TCall>
+DWORD Search(TextView folder, const TCall& onFound) {
+  WIN32_FIND_DATAW found{};
+  const TFindHandle search(::FindFirstFileExW(Wide(SystemPath(UnicodeString(folder) + u"\\*")),
+                                              FindExInfoBasic, &found, FindExSearchNameMatch, nullptr,
+                                              FIND_FIRST_EX_LARGE_FETCH));
+  if (search) {
+    do {
+      const TextView name = FromWide(found.cFileName);
+      if (name != u"." && name != u".." && !onFound(found)) return ERROR_SUCCESS;
+    } while (::FindNextFileW(search.Get(), &found));
+  }
+  // An empty top folder of a drive has not even the entries "." and "..".
+  const DWORD error = ::GetLastError();
+  return error == ERROR_FILE_NOT_FOUND ? ERROR_NO_MORE_FILES : error;
+}
+
+/// What the system says of a whole drive or server that is not there or does not answer, often after seconds.
+/// Errors that pass with the next question, as that of a lost connection, are not among them.
+bool IsSilence(DWORD error) {
+  constexpr std::array kErrors = {ERROR_INVALID_DRIVE,       ERROR_NOT_READY,          ERROR_REM_NOT_LIST,
+                                  ERROR_BAD_NETPATH,         ERROR_BAD_NET_NAME,       ERROR_SEM_TIMEOUT,
+                                  ERROR_CONNECTION_UNAVAIL,  ERROR_NO_NET_OR_BAD_PATH, ERROR_NO_NETWORK,
+                                  ERROR_NETWORK_UNREACHABLE, ERROR_HOST_UNREACHABLE};
+  return std::ranges::find(kErrors, static_cast<long>(error)) != kErrors.end();
 }
 
 DWORD ClampedSize(std::size_t size) {
   return static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
 }
 
-/// The folder that `path` lies in; empty at the top.
+/// The folder that `path` is in; empty at the top.
 UnicodeString ParentFolder(const UnicodeString& path) {
   const std::size_t separator = path.find_last_of(u"\\/");
   return separator == UnicodeString::npos ? UnicodeString() : path.substr(0, separator);
@@ -96,6 +128,21 @@ std::optional<UnicodeString> DesktopFolder() {
   return UnicodeString(FromWide(path.data()));
 }
 
+bool RootAnswers(TextView root) {
+  const UnicodeString folder = UnicodeString(root) + u"\\";
+  if (::GetFileAttributesW(Wide(folder)) != INVALID_FILE_ATTRIBUTES) return true;
+  const DWORD error = ::GetLastError();
+  return error != ERROR_PATH_NOT_FOUND && error != ERROR_FILE_NOT_FOUND && !IsSilence(error);
+}
+
+UnicodeString UpperFileName(TextView name) {
+  UnicodeString upper(name);
+  const int size = static_cast<int>(name.size());
+  // Not by any language's rules: those of the file system are what this call follows on its own.
+  ::LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, Wide(name.data()), size, WideBuffer(upper), size);
+  return upper;
+}
+
 bool CreateFolders(TextView path) {
   const UnicodeString name = SystemPath(path);
   if (::CreateDirectoryW(Wide(name), nullptr)) return true;
@@ -106,21 +153,30 @@ bool CreateFolders(TextView path) {
   return FolderExists(path);
 }
 
-std::vector<TFolderEntry> ListFolder(TextView path) {
-  WIN32_FIND_DATAW found{};
-  const TFindHandle search(::FindFirstFileExW(Wide(SystemPath(UnicodeString(path) + u"\\*")), FindExInfoBasic,
-                                              &found, FindExSearchNameMatch, nullptr,
-                                              FIND_FIRST_EX_LARGE_FETCH));
-  std::vector<TFolderEntry> entries;
-  if (search) {
-    do {
-      const TextView name = FromWide(found.cFileName);
-      if (name != u"." && name != u"..") entries.push_back(Entry(found));
-    } while (::FindNextFileW(search.Get(), &found));
+TListingEnd ListNames(TextView folder, const std::function<bool(TextView, TEntryKind)>& onName) {
+  const DWORD end = Search(folder, [&onName](const WIN32_FIND_DATAW& found) {
+    return onName(FromWide(found.cFileName), KindOf(found));
+  });
+  switch (end) {
+    case ERROR_NO_MORE_FILES:
+      return TListingEnd::Complete;
+    case ERROR_SUCCESS:
+      return TListingEnd::Stopped;
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_DIRECTORY:
+      return TListingEnd::NoFolder;
+    default:
+      return IsSilence(end) ? TListingEnd::NoAnswer : TListingEnd::Refused;
   }
-  // An empty top folder of a drive has not even the entries "." and "..".
-  const DWORD error = ::GetLastError();
-  if (error != ERROR_NO_MORE_FILES && error != ERROR_FILE_NOT_FOUND) throw InputOutputError(error);
+}
+
+std::vector<TFolderEntry> ListFolder(TextView path) {
+  std::vector<TFolderEntry> entries;
+  const DWORD end = Search(path, [&entries](const WIN32_FIND_DATAW& found) {
+    entries.push_back(Entry(found));
+    return true;
+  });
+  if (end != ERROR_NO_MORE_FILES) throw InputOutputError(end);
   return entries;
 }
 

@@ -22,7 +22,7 @@ const std::string kDocument = R"({
       {"name": "IndexHinweis", "type": "text", "value": "alt"}]}]
 })";
 
-/// Every call of the update of kDocument: the whole chain anew for each access, and nothing more.
+/// Every call of the update of kDocument: the whole chain again for each access, and nothing more.
 std::string ExpectedTrace(const std::string& path) {
   const std::string set = "document.PropertySets\npropertysets.Item(4)\npropertyset.";
   std::string trace = "server.Create\nserver.OpenDocument(\"" + path + "\")\n" + set + "Count = 6\n";

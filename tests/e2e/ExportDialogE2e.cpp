@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "tests/e2e/RemoteListView.h"
 #include "tests/e2e/Support.h"
 
 namespace {
@@ -31,22 +32,39 @@ class ExportDialogE2e : public EndToEnd {
 bool IsScanned(const TExportDialog& dialog) {
   const auto reaches = [&dialog](WPARAM key, const wchar_t* info) {
     return WaitUntil([&] {
-      dialog.Press(key);
+      ::SendMessageW(dialog.List(), WM_KEYDOWN, key, 0);  // leaves nothing in the queue
       return dialog.Info() == info;
     });
   };
   return reaches(VK_END, L"40 von 40") && reaches(VK_HOME, L"1 von 40");
 }
 
-/// "Ebene 2, geöffnet | 4 | ..." becomes ".4+ ".
+/// "Gehäuse.iam, Ebene 2, geöffnet | 4 | ..." becomes ".4+ ".
 std::string Outline(const std::vector<std::string>& rows) {
   std::string outline;
   for (const std::string& row : rows) {
-    const std::size_t name = row.find(" | ") + 3;
-    outline += std::string(static_cast<std::size_t>(row[6] - '1'), '.') +
-               row.substr(name, row.find(" | ", name) - name) + (row[7] == ',' ? "+ " : " ");
+    const std::size_t level = row.find(", Ebene ") + 8;
+    const std::size_t key = row.find(" | ") + 3;
+    outline += std::string(static_cast<std::size_t>(row.at(level) - '1'), '.') +
+               row.substr(key, row.find(" | ", key) - key) + (row.at(level + 1) == ',' ? "+ " : " ");
   }
   return outline;
+}
+
+std::vector<int> ColumnWidths(HWND list) {
+  const TRemoteListView view(list);
+  std::vector<int> widths;
+  for (int column = 0; column < view.ColumnCount(); ++column) widths.push_back(view.ColumnWidth(column));
+  return widths;
+}
+
+std::wstring ClipboardText() {
+  std::wstring text;
+  if (!::OpenClipboard(nullptr)) return text;
+  if (const HANDLE data = ::GetClipboardData(CF_UNICODETEXT))
+    text = static_cast<const wchar_t*>(::GlobalLock(data));
+  ::CloseClipboard();
+  return text;
 }
 
 /// The control that the user's keys go to; null while another program's window is in front.
@@ -68,10 +86,12 @@ TEST_F(ExportDialogE2e, ShowsAssemblyAsTree) {
   const auto rows = dialog.Rows();
   ASSERT_EQ(Outline(rows), kOpened);
   const std::string folder = Utf8Path(kFolder);
-  EXPECT_EQ(rows[0], "Ebene 1 | 1 | Getriebe 08-15 | " + folder + "\\Getriebe 08-15.iam");
-  EXPECT_EQ(rows[1], "Ebene 1, geöffnet | 2 | Getriebe 08-15 | " + folder + "\\Getriebe 08-15.idw");
-  EXPECT_EQ(rows[3], "Ebene 2, geschlossen | 4 | Gehäuse.iam | " + folder + "\\Gehäuse\\Gehäuse.iam");
-  EXPECT_EQ(rows[14], "Ebene 2 | 40 | Typenschild.ipt | Datei nicht gefunden!  " + folder +
+  EXPECT_EQ(rows[0], "Getriebe 08-15.iam, Ebene 1 | 1 | Getriebe 08-15 | " + folder + "\\Getriebe 08-15.iam");
+  EXPECT_EQ(rows[1], "Getriebe 08-15.idw, Ebene 1, geöffnet | 2 | Getriebe 08-15 | " + folder +
+                         "\\Getriebe 08-15.idw");
+  EXPECT_EQ(rows[3],
+            "Gehäuse.iam, Ebene 2, geschlossen | 4 | Gehäuse.iam | " + folder + "\\Gehäuse\\Gehäuse.iam");
+  EXPECT_EQ(rows[14], "Typenschild.ipt, Ebene 2 | 40 | Typenschild.ipt | Datei nicht gefunden!  " + folder +
                           "\\Abdeckung\\Typenschild.ipt");
   dialog.Click(L"Alle Knoten öffnen");
   EXPECT_EQ(Outline(dialog.Rows()), kExpanded);
@@ -95,6 +115,67 @@ TEST_F(ExportDialogE2e, ShowsAssemblyAsTree) {
   dialog.Click(L"Abbruch");
   ExpectClosed(program);
   EXPECT_EQ(RootOpened(), 2);
+}
+
+TEST_F(ExportDialogE2e, ListServesScreenReaderAndClipboard) {
+  const TProgram program(Arguments(), Environment());
+  const TExportDialog dialog(program);
+  ASSERT_TRUE(IsScanned(dialog));
+  const auto type = [&dialog](const std::wstring& letters) {
+    for (const wchar_t letter : letters) ::SendMessageW(dialog.List(), WM_CHAR, letter, 0);
+  };
+  EXPECT_EQ(TextOf(dialog.List()), L"Dateien der Baugruppe");
+  TRemoteListView(dialog.List()).Select(3);
+  EXPECT_EQ(dialog.Info(), L"4 von 40");
+  ::SendMessageW(dialog.List(), WM_KEYDOWN, VK_DOWN, 0);
+  EXPECT_EQ(dialog.Info(), L"12 von 40");
+  type(L"\x03");
+  EXPECT_EQ(ClipboardText(), L"12\tAntriebswelle.iam\t" + Path(kFolder + L"\\Wellen\\Antriebswelle.idw"));
+  type(L"abt*");
+  EXPECT_EQ(dialog.Info(), L"23 von 40");
+  EXPECT_NE(Outline(dialog.Rows()).find(" ..29+ ...30 "), std::string::npos) << "no name goes on with a star";
+}
+
+TEST_F(ExportDialogE2e, ColumnsFollowDividers) {
+  constexpr int kLevels = 30;
+  for (int i = 1; i <= kLevels; ++i) {
+    const std::string next = std::to_string(i + 1);
+    WriteFile(std::to_wstring(i) + L".iam", i == kLevels ? "{}" : R"({"references": [")" + next + ".iam\"]}");
+  }
+  const TProgram program(L"/E \"" + Path(L"1.iam") + L"\"", Environment());
+  const TExportDialog dialog(program);
+  const TRemoteListView list(dialog.List());
+  ASSERT_TRUE(WaitUntil([&] {
+    dialog.Click(L"Alle Knoten öffnen");
+    return list.RowCount() == kLevels;
+  }));
+  // Where the sign of the last branch would be in a wide column.
+  for (short y = 30; y < 580; y += 10) {
+    ::SendMessageW(dialog.List(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(15 + (kLevels - 2) * 18 + 9, y));
+  }
+  EXPECT_EQ(list.RowCount(), std::size_t{kLevels}) << "another column's ground closes no branch";
+
+  const auto header = reinterpret_cast<HWND>(::SendMessageW(dialog.List(), LVM_GETHEADER, 0, 0));
+  EXPECT_EQ(::GetWindowLongPtrW(header, GWL_STYLE) & HDS_BUTTONS, 0) << "no header looks clickable";
+  const auto mouse = [&](UINT message, int x) {
+    ::SendMessageW(header, message, MK_LBUTTON, MAKELPARAM(x, 8));
+  };
+  const auto drag = [&](int from, int to) {
+    mouse(WM_LBUTTONDOWN, from);
+    mouse(WM_MOUSEMOVE, to);
+    mouse(WM_LBUTTONUP, to);
+  };
+  const std::vector<int> before = ColumnWidths(dialog.List());
+  const int divider = before[0] + before[1];
+  drag(divider, divider - 200);
+  const std::vector<int> moved = {before[0], before[1] - 200, before[2] + 200, before[3]};
+  EXPECT_EQ(ColumnWidths(dialog.List()), moved);
+  drag(before[0], before[0] + 50);
+  EXPECT_EQ(ColumnWidths(dialog.List()), moved) << "the row indicator keeps its width";
+  mouse(WM_LBUTTONDBLCLK, divider - 200 + moved[2]);
+  const std::vector<int> fitted = ColumnWidths(dialog.List());
+  EXPECT_LT(fitted[2], 200) << "as wide as its header";
+  EXPECT_EQ(fitted, (std::vector<int>{moved[0], moved[1], fitted[2], moved[2] + moved[3] - fitted[2]}));
 }
 
 TEST_F(ExportDialogE2e, CentresOnHostUntilClosed) {

@@ -31,6 +31,16 @@ class TRemoteListView {
     const auto header = reinterpret_cast<HWND>(::SendMessageW(fList, LVM_GETHEADER, 0, 0));
     return static_cast<int>(::SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
   }
+  int ColumnWidth(int column) const {
+    return static_cast<int>(::SendMessageW(fList, LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0));
+  }
+  /// As a screen reader does it.
+  void Select(std::size_t row) const {
+    LVITEMW item{};
+    item.state = item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    ::WriteProcessMemory(fProcess.Get(), fItem, &item, sizeof item, nullptr);
+    ::SendMessageW(fList, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(fItem));
+  }
   std::wstring Text(std::size_t row, int column) const {
     LVITEMW item{};
     item.iSubItem = column;

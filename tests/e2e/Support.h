@@ -13,7 +13,7 @@
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 
-/// Of what the build puts beside the tests.
+/// The path of a file that the build puts beside the tests.
 std::wstring BuiltPath(const std::wstring& file);
 
 /// Waits until `condition` holds, at most `milliseconds`; returns whether it does.
@@ -49,7 +49,7 @@ class TProgram {
  public:
   using TEnvironment = std::map<std::wstring, std::wstring>;
 
-  /// Starts it with `arguments` as they stand and with changes to the environment. Nothing in
+  /// Starts it with `arguments` unchanged and with changes to the environment. Nothing in
   /// `standardInput`: the process has none.
   TProgram(const std::wstring& arguments, const TEnvironment& changes,
            const std::optional<std::string>& standardInput = {});
@@ -92,7 +92,10 @@ class TExportDialog {
   HWND List() const { return ::FindWindowExW(Tree(), nullptr, L"SysListView32", nullptr); }
   HWND Button(const wchar_t* text) const { return ::FindWindowExW(fWindow, nullptr, L"Button", text); }
   /// The text beside the tree's small buttons.
-  std::wstring Info() const { return TextOf(::FindWindowExW(Tree(), nullptr, L"Static", nullptr)); }
+  std::wstring Info() const {
+    const HWND listName = ::FindWindowExW(Tree(), nullptr, L"Static", nullptr);
+    return TextOf(::FindWindowExW(Tree(), listName, L"Static", nullptr));
+  }
 
   /// A line of UTF-8 for each row in view: its level, then its cells.
   std::vector<std::string> Rows() const;
@@ -105,7 +108,7 @@ class TExportDialog {
   HWND fWindow;
 };
 
-/// A folder of its own for each test, with a per-user folder for the program; removed at the end.
+/// A folder for each test, with a per-user folder for the program; removed at the end.
 class EndToEnd : public testing::Test {
  protected:
   EndToEnd();

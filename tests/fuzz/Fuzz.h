@@ -25,7 +25,7 @@ inline std::string_view Bytes(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Any text at all: each byte is a character, but behind 0xFF stand the two bytes of one UTF-16 unit.
+/// Any text: each byte is a character, but 0xFF is followed by the two bytes of one UTF-16 unit.
 inline UnicodeString AnyText(std::string_view bytes) {
   UnicodeString text;
   const auto byte = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };

@@ -21,9 +21,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const bool hexadecimal = take('$');
   std::uint32_t value = 0;
   const char* const end = text.data() + text.size();
-  const auto [behind, error] = std::from_chars(text.data(), end, value, hexadecimal ? 16 : 10);
+  const auto [rest, error] = std::from_chars(text.data(), end, value, hexadecimal ? 16 : 10);
   const bool fits = hexadecimal || value <= 0x7FFF'FFFFU + (negative ? 1U : 0U);
-  const bool valid = !text.empty() && error == std::errc() && behind == end && fits;
+  const bool valid = !text.empty() && error == std::errc() && rest == end && fits;
   fuzz::Require(integer.has_value() == valid, "what an integer is");
   fuzz::Require(!valid || *integer == static_cast<std::int32_t>(negative ? 0U - value : value), "its value");
   return 0;

@@ -39,7 +39,7 @@ TEST_F(DrawingReferenceTest, PointsEveryReferenceBesideTheDrawing) {
   EXPECT_EQ(log.at(3), "0 text \"IDW Referenz geändert.\"") << "painted by the message loop";
   EXPECT_EQ(log.at(4), "1500 quit");
   WriteFile(kDrawing, DrawingWith(""));
-  EXPECT_EQ(Run(kRun).at(4), "1500 quit") << "without references it is saved all the same";
+  EXPECT_EQ(Run(kRun).at(4), "1500 quit") << "it is saved even without references";
   EXPECT_EQ(Calls().at(3) + Calls().at(4), "referencedfiles.Count = 0server.SaveSet");
 }
 

@@ -27,7 +27,7 @@ std::string Shape(const std::vector<TTreeRow>& rows) {
 }
 
 /// Records 0 (1 (2 3) 4 (5)) 6: what can be seen in one line, open branches with "-", closed ones with "+",
-/// the current row behind ">".
+/// the current row after ">".
 class TreeListModelTest : public testing::Test {
  protected:
   TreeListModelTest() {
@@ -148,15 +148,4 @@ TEST_F(TreeListModelTest, FindsByPrefix) {
     EXPECT_EQ(Find(step.Prefix, step.From), step.Found) << Utf8FromText(step.Prefix);
     EXPECT_EQ(Seen(), step.Seen) << Utf8FromText(step.Prefix);
   }
-}
-
-TEST_F(TreeListModelTest, MeasuresOnlyVisibleRows) {
-  std::vector<std::size_t> asked;
-  const auto text = [&asked](std::size_t record) {
-    asked.push_back(record);
-    return UnicodeString(record == 1 ? 9 : record, u'x');
-  };
-  EXPECT_EQ(fModel.LongestText(text), u"xxxxxxxxx");
-  EXPECT_EQ(fModel.Depth(), 1);
-  EXPECT_EQ(asked, (std::vector<std::size_t>{0, 1, 4, 6}));
 }

@@ -56,13 +56,24 @@ class TreeListTest : public TMachineTest {
 
 }  // namespace
 
-TEST_F(TreeListTest, TreeColumnKeepsItsFittedWidth) {
+TEST_F(TreeListTest, TreeColumnFitsAllRows) {
   Fill();
   fId->ApplyBestFit();
   fList.SetBounds({0, 0, 215, 140});
-  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{66, 134}));
+  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{82, 118})) << "the widest row is in a closed branch";
+  fList.FullExpand();
+  EXPECT_EQ(TScreen::Lines()[2], "          7 | 3 | Nabe");
   fList.SetBounds({0, 0, 115, 140});
-  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{50, 50})) << "but keep half of the room";
+  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{50, 50})) << "half of the room is the others'";
+  EXPECT_EQ(TScreen::Lines()[2], "      7 | 3 | Nabe") << "no room to indent it";
+  fList.SetBounds({0, 0, 215, 140});
+  TScreen::MoveDivider(0, 66);
+  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{66, 134}));
+  EXPECT_EQ(TScreen::Lines()[2], "        7 | 3 | Nabe");
+  TScreen::DoubleClickDivider(1);
+  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{122, 78}));
+  TScreen::DoubleClickDivider(0);
+  EXPECT_EQ(TScreen::ColumnWidths(), (std::vector<int>{82, 118}));
 }
 
 TEST_F(TreeListTest, CursorFollowsCurrentRow) {
@@ -70,9 +81,7 @@ TEST_F(TreeListTest, CursorFollowsCurrentRow) {
   TScreen::Type(u"na");
   EXPECT_EQ(fQuery.Row(), 2U);
   EXPECT_EQ(TScreen::Info(), "3 von 4");
-  TScreen::Type(u"-");
-  TScreen::Press(TTreeKey::Left);
-  TScreen::Type(u"-");
+  TScreen::Type(u"rad-");
   EXPECT_EQ(TScreen::Lines(), (TLines{"  [-] 7 | 1 | Wanne", ">   [+] 7 | 2 | Rad", "      7 | 4 | Achse"}));
   fList.FullCollapse();
   EXPECT_EQ(fQuery.Row(), 0U);
@@ -101,6 +110,11 @@ TEST_F(TreeListTest, ValidatesEachTextOnce) {
   Fill();
   for (int i = 0; i < 2; ++i) EXPECT_EQ(TScreen::Lines().back(), "      7 | 4 | (Fehlt!) Achse");
   EXPECT_EQ(asked, "Wanne Rad Achse ");
+  fQuery.SQL.Clear();
+  fQuery.SQL.Add(u"SELECT * FROM T");
+  fQuery.Open();
+  TScreen::Lines();
+  EXPECT_EQ(asked, "Wanne Rad Achse Wanne Rad Achse ") << "the table is opened anew";
   EXPECT_EQ(headless::Machine().Log.front(), "0 error box without owner \"Velmora\": Zugriff verweigert");
 }
 

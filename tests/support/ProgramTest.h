@@ -15,7 +15,7 @@ class TProgramTest : public TMachineTest {
   /// saw.
   std::vector<std::string> Run(TextView arguments);
 
-  /// Registers a fresh simulator on the machine, as Run does; the trace begins anew.
+  /// Registers a fresh simulator on the machine, as Run does, with an empty trace.
   void StartComponent();
 
   /// The last run's calls, without the creations and releases of objects.

@@ -7,7 +7,7 @@
 
 #include "headless/Machine.h"
 
-/// A fresh machine with an empty disk of its own, TEMP and APPDATA set; the disk is removed at the end.
+/// A fresh machine with its own empty disk, TEMP and APPDATA set; the disk is removed at the end.
 class TMachineTest : public testing::Test {
  protected:
   TMachineTest();
@@ -18,5 +18,5 @@ class TMachineTest : public testing::Test {
   static std::string ReadFile(TextView path);
 };
 
-/// Makes Machine() anew; its disk is the folder `root`.
+/// Resets Machine(); its disk is the folder `root`.
 void ResetMachine(const std::filesystem::path& root);

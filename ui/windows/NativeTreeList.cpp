@@ -25,6 +25,13 @@ class TDrawingPause {
   HWND fList;
 };
 
+TWindow MakeLabel(HWND host) {
+  TWindow label(
+      ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 0, 0, host, nullptr, ProgramInstance(), nullptr));
+  if (!label) throw LastSystemError();
+  return label;
+}
+
 TWindow MakeList(HWND host) {
   CommonControls();
   constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS | LVS_REPORT | LVS_OWNERDATA |
@@ -41,8 +48,12 @@ TWindow MakeList(HWND host) {
 }  // namespace
 
 TNativeTreeList::TImpl::TImpl(HWND host, TTreeListEvents events)
-    : Events(std::move(events)), Host(host), List(MakeList(host)), ToolTip(host), Navigator(host, ToolTip) {
-  ::SetWindowLongPtrW(Header(), GWL_STYLE, ::GetWindowLongPtrW(Header(), GWL_STYLE) | HDS_NOSIZING);
+    : Events(std::move(events)),
+      Host(host),
+      Label(MakeLabel(host)),
+      List(MakeList(host)),
+      ToolTip(host),
+      Navigator(host, ToolTip) {
   Navigator.Enable(false, false);
   Listen(Host, SubclassProc<&TImpl::HostProc>);
   Listen(List.Get(), SubclassProc<&TImpl::ListProc>);
@@ -86,6 +97,12 @@ TNativeTreeList::TNativeTreeList(TNativeWindow& host, TTreeListEvents events)
 
 TNativeTreeList::~TNativeTreeList() = default;
 
+void TNativeTreeList::SetName(TextView name) {
+  const UnicodeString text(name);
+  ::SetWindowTextW(fImpl->Label.Get(), Wide(text));
+  ::SetWindowTextW(fImpl->List.Get(), Wide(text));
+}
+
 void TNativeTreeList::SetScale(const TFont& rows, const TFont& headers, int dpi) {
   TTreeRowPainter& painter = fImpl->Painter;
   painter.SetScale(rows, dpi);
@@ -99,7 +116,7 @@ void TNativeTreeList::SetScale(const TFont& rows, const TFont& headers, int dpi)
   fImpl->RowHeightImages = std::move(images);
   fImpl->ToolTip.SetFont(painter.Font());
   fImpl->Navigator.SetScale(painter.Font(), dpi);
-  fImpl->ToList(LVM_SETCOLUMNWIDTH, 0, painter.Metrics().Indicator);
+  fImpl->SetWidth(0, painter.Metrics().Indicator);
   fImpl->Arrange();
   // The list view lays out a header of another height only with a new frame.
   ::SetWindowPos(fImpl->List.Get(), nullptr, 0, 0, 0, 0,
@@ -123,6 +140,9 @@ void TNativeTreeList::SetColumns(std::span<const TTreeListHeader> columns) {
     column.pszText = WideBuffer(fImpl->Columns[i].Caption);
     fImpl->ToList(LVM_INSERTCOLUMNW, i + 1, reinterpret_cast<LPARAM>(&column));
   }
+  const bool clickable = std::ranges::any_of(columns, &TTreeListHeader::Clickable);
+  const LONG_PTR style = ::GetWindowLongPtrW(fImpl->Header(), GWL_STYLE) & ~LONG_PTR{HDS_BUTTONS};
+  ::SetWindowLongPtrW(fImpl->Header(), GWL_STYLE, clickable ? style | HDS_BUTTONS : style);
 }
 
 /// Those that shrink come first: columns wider than the window, even for a moment, show a scroll bar.
@@ -133,7 +153,7 @@ void TNativeTreeList::SetColumnWidths(std::span<const int> widths) {
     for (std::size_t i = 0; i < std::min(widths.size(), fImpl->Widths.size()); ++i) {
       if (widths[i] == fImpl->Widths[i] || (widths[i] < fImpl->Widths[i]) != shrinking) continue;
       fImpl->Widths[i] = widths[i];
-      fImpl->ToList(LVM_SETCOLUMNWIDTH, i + 1, MAKELPARAM(widths[i], 0));
+      fImpl->SetWidth(i + 1, widths[i]);
     }
   }
 }
@@ -175,12 +195,12 @@ std::size_t TNativeTreeList::PageSize() const {
   return static_cast<std::size_t>(std::max<LRESULT>(1, fImpl->ToList(LVM_GETCOUNTPERPAGE)));
 }
 
-int TNativeTreeList::NeededWidth(TextView text) const {
-  return fImpl->Painter.TextWidth(text) + 2 * fImpl->Painter.Metrics().Padding;
+int TNativeTreeList::NeededWidth(const TTreeListCell& cell) const {
+  return fImpl->Painter.CellWidth(cell);
 }
 
-int TNativeTreeList::TreeWidth(int level) const {
-  return fImpl->Painter.WidestTree(level);
+int TNativeTreeList::TreeWidth(int indent) const {
+  return fImpl->Painter.WidestTree(indent);
 }
 
 int TNativeTreeList::NeededHeaderWidth(TextView caption) const {

@@ -11,7 +11,8 @@
 #include "ui/windows/TreeRowPainter.h"
 
 /// Three windows are subclassed: the host, to which the list view reports; the list view, whose keys and
-/// mouse go to the control instead; and its header, for its height. The list view scrolls and speaks to
+/// mouse go to the control instead; and its header, for its height and its
+/// dividers. The list view scrolls and speaks to
 /// screen readers; which row is current, and every drawn pixel of a row, is ours.
 struct TNativeTreeList::TImpl {
   static constexpr int kNoLine = -1;
@@ -25,7 +26,8 @@ struct TNativeTreeList::TImpl {
   HWND Host;
   TTreeRowPainter Painter{kDesignDpi};
   TFontHandle HeaderFont;
-  TImageListHandle RowHeightImages;  // an image list is the one way to set the height of a list view's rows
+  TImageListHandle RowHeightImages;  // an image list is the only way to set the height of a list view's rows
+  TWindow Label;                     // never visible: screen readers name a list by the label before it
   TWindow List;
   TToolTip ToolTip;
   TTreeNavigator Navigator;
@@ -38,7 +40,8 @@ struct TNativeTreeList::TImpl {
   int HeaderHeight = 0;
   LONG LastLetter = 0;
   bool Frozen = false;
-  bool Living = false;  // reports from windows that are being made or destroyed are ignored
+  bool SettingWidths = false;  // not the user does it, but the control
+  bool Living = false;         // reports from windows that are being made or destroyed are ignored
 
   template <LRESULT (TImpl::*kProc)(UINT message, WPARAM wParam, LPARAM lParam)>
   static LRESULT CALLBACK SubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
@@ -56,7 +59,9 @@ struct TNativeTreeList::TImpl {
   std::optional<LRESULT> OnNotify(const NMHDR& header, LPARAM lParam);
   LRESULT OnCustomDraw(const NMLVCUSTOMDRAW& part);
   void OnGetDispInfo(LVITEMW& item);
+  std::optional<LRESULT> OnHeaderNotify(const NMHEADERW& notice);
   void OnColumnClick(const NMLISTVIEW& click);
+  void OnItemChanged(const NMLISTVIEW& change);
   bool OnKeyDown(WPARAM key);
   bool OnChar(WPARAM letter);
   void OnButtonDown(UINT message, LPARAM position);
@@ -70,6 +75,9 @@ struct TNativeTreeList::TImpl {
   void Arrange();
   void RefreshColours();
   void Select(std::size_t line);
+  void SetWidth(std::size_t listColumn, int width);
+  bool IsFixedDivider(POINT place) const;
+  void CopyCurrentRow() const;
   void RedrawCurrent();
   HWND Header() const { return reinterpret_cast<HWND>(ToList(LVM_GETHEADER)); }
   RECT RowArea(int line) const;

@@ -196,8 +196,8 @@ void TNativeWindow::SetVisible(bool visible) {
 
 void TNativeWindow::Focus() {
   HWND target = fImpl->Window.Get();
-  // A ground hands the focus to what stands on it.
-  if (fImpl->Kind == TWindowKind::TreeList) target = ::GetWindow(target, GW_CHILD);
+  // A ground hands the focus to its list.
+  if (fImpl->Kind == TWindowKind::TreeList) target = ::GetNextDlgTabItem(target, nullptr, FALSE);
   const HWND form = ::GetAncestor(target, GA_ROOT);
   if (::GetActiveWindow() == form) {
     ::SetFocus(target);

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
+#include "platform/Path.h"
 #include "ui/Application.h"
 #include "ui/windows/NativeTreeListImpl.h"
 
@@ -75,6 +77,9 @@ LRESULT TNativeTreeList::TImpl::ListProc(UINT message, WPARAM wParam, LPARAM lPa
     case WM_KEYDOWN:
       if (OnKeyDown(wParam)) return 0;
       break;
+    case WM_NOTIFY:
+      if (const auto answer = OnHeaderNotify(*reinterpret_cast<const NMHEADERW*>(lParam))) return *answer;
+      break;
     case WM_CHAR:
       if (OnChar(wParam)) return 0;
       break;
@@ -106,6 +111,15 @@ LRESULT TNativeTreeList::TImpl::ListProc(UINT message, WPARAM wParam, LPARAM lPa
 
 /// As high as a row and a little more; the system leaves no room around a bold text.
 LRESULT TNativeTreeList::TImpl::HeaderProc(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_SETCURSOR) {
+    POINT place{};
+    ::GetCursorPos(&place);
+    ::ScreenToClient(Header(), &place);
+    if (IsFixedDivider(place)) {
+      ::SetCursor(::LoadCursorW(nullptr, IDC_ARROW));
+      return TRUE;
+    }
+  }
   const LRESULT result = Default(Header(), message, wParam, lParam);
   if (message != HDM_LAYOUT) return result;
   const HDLAYOUT& layout = *reinterpret_cast<const HDLAYOUT*>(lParam);
@@ -122,12 +136,43 @@ std::optional<LRESULT> TNativeTreeList::TImpl::OnNotify(const NMHDR& header, LPA
     case LVN_GETDISPINFOW:
       OnGetDispInfo(reinterpret_cast<NMLVDISPINFOW*>(lParam)->item);
       return 0;
+    case LVN_ITEMCHANGED:
+      OnItemChanged(*reinterpret_cast<const NMLISTVIEW*>(lParam));
+      return 0;
     case LVN_COLUMNCLICK:
       OnColumnClick(*reinterpret_cast<const NMLISTVIEW*>(lParam));
       return 0;
     default:
       return std::nullopt;
   }
+}
+
+/// The list view never hears of a divider: the widths of all columns change together, or not at all.
+std::optional<LRESULT> TNativeTreeList::TImpl::OnHeaderNotify(const NMHEADERW& notice) {
+  if (notice.hdr.hwndFrom != Header() || SettingWidths) return std::nullopt;
+  const auto column = static_cast<std::size_t>(notice.iItem - 1);
+  switch (notice.hdr.code) {
+    case HDN_ITEMCHANGINGA:
+    case HDN_ITEMCHANGINGW:
+      if (notice.pitem == nullptr || (notice.pitem->mask & HDI_WIDTH) == 0) return std::nullopt;
+      if (notice.iItem > 0) Application->Guard([&] { Events.OnDividerMoved(column, notice.pitem->cxy); });
+      return TRUE;
+    case HDN_DIVIDERDBLCLICKA:
+    case HDN_DIVIDERDBLCLICKW:
+      if (notice.iItem > 0) Application->Guard([&] { Events.OnDividerDoubleClick(column); });
+      return 0;
+    default:
+      return std::nullopt;
+  }
+}
+
+/// A selection that we did not make: another program has set it, a screen reader for instance.
+void TNativeTreeList::TImpl::OnItemChanged(const NMLISTVIEW& change) {
+  const bool selected = (change.uNewState & ~change.uOldState & LVIS_SELECTED) != 0;
+  if (!selected || change.iItem == Selected || change.iItem < 0) return;
+  const auto line = static_cast<std::size_t>(change.iItem);
+  Application->Guard([&] { Events.OnSelect(line); });
+  if (Current != line) Select(Current);
 }
 
 /// The indicator's column takes no clicks.
@@ -146,12 +191,12 @@ bool TNativeTreeList::TImpl::OnKeyDown(WPARAM key) {
 }
 
 bool TNativeTreeList::TImpl::OnChar(WPARAM letter) {
-  if (letter < u' ') return false;
+  constexpr WPARAM kCtrlC = 3;
+  if (letter == kCtrlC) CopyCurrentRow();
+  if (letter < u' ') return letter == kCtrlC;
   const LONG now = ::GetMessageTime();
   const bool continued = LastLetter != 0 && now - LastLetter < kSearchPause;
-  if (letter == u' ' && !continued) return true;
-  const bool isCommand = !continued && (letter == u'+' || letter == u'-' || letter == u'*');
-  LastLetter = isCommand ? 0 : now;
+  LastLetter = now;
   Application->Guard([&] { Events.OnLetter(static_cast<char16_t>(letter), continued); });
   return true;
 }
@@ -165,7 +210,8 @@ void TNativeTreeList::TImpl::OnButtonDown(UINT message, LPARAM position) {
   Application->Guard([&] {
     const TTreeListLine shape = Events.Line(number);
     const int x = static_cast<int>(place.x - RowArea(line).left) - Painter.Metrics().Indicator;
-    if (message != WM_RBUTTONDOWN && shape.HasChildren && Painter.IsSign(x, shape.Level)) {
+    if (message != WM_RBUTTONDOWN && shape.HasChildren && !Widths.empty() && x < Widths.front() &&
+        Painter.IsSign(x, shape.Indent)) {
       Events.OnToggle(number);
     } else if (message == WM_LBUTTONDBLCLK) {
       Events.OnDoubleClick(number);
@@ -189,7 +235,7 @@ void TNativeTreeList::TImpl::OnMouseMove(LPARAM position) {
       const auto number = static_cast<std::size_t>(line);
       const TTreeListCell content = Events.Cell(number, i);
       const TTreeListLine shape = Events.Line(number);
-      const int tree = i == 0 ? Painter.TreeWidth(shape.Level, shape.Image) : 0;
+      const int tree = i == 0 ? Painter.TreeWidth(shape.Indent, shape.Image) : 0;
       if (tree + Painter.CellWidth(content) <= Widths[i]) return;
       hint = TextOf(content);
     });
@@ -242,7 +288,8 @@ void TNativeTreeList::TImpl::DrawRow(HDC dc, int line) {
   Painter.Paint(dc, row);
 }
 
-/// Screen readers ask for these texts. The indicator's column, drawn without text, holds the row's name.
+/// Screen readers ask for these texts. The indicator's column, drawn without text, holds the row's name: the
+/// file's, then its place in the tree.
 void TNativeTreeList::TImpl::OnGetDispInfo(LVITEMW& item) {
   if ((item.mask & LVIF_TEXT) == 0 || item.pszText == nullptr || item.cchTextMax <= 0) return;
   UnicodeString text;
@@ -262,9 +309,34 @@ void TNativeTreeList::TImpl::OnGetDispInfo(LVITEMW& item) {
 }
 
 UnicodeString TNativeTreeList::TImpl::Description(std::size_t line) const {
+  const auto path = std::ranges::find_if(Columns, &TTreeListHeader::Path);
+  UnicodeString text;
+  if (path != Columns.end()) {
+    const TTreeListCell file = Events.Cell(line, static_cast<std::size_t>(path - Columns.begin()));
+    text.append(FileNameWithoutFolder(file.Text)).append(u", ");
+  }
   const TTreeListLine shape = Events.Line(line);
-  const UnicodeString level = u"Ebene " + DecimalText(shape.Level + 1);
-  return !shape.HasChildren ? level : level + (shape.Open ? u", geöffnet" : u", geschlossen");
+  text += u"Ebene " + DecimalText(shape.Level + 1);
+  return !shape.HasChildren ? text : text + (shape.Open ? u", geöffnet" : u", geschlossen");
+}
+
+void TNativeTreeList::TImpl::CopyCurrentRow() const {
+  if (Frozen || Current >= Count) return;
+  UnicodeString text;
+  Application->Guard([&] {
+    for (std::size_t i = 0; i < Columns.size(); ++i)
+      text += (i > 0 ? u"\t" : u"") + Events.Cell(Current, i).Text;
+  });
+  const std::size_t size = (text.size() + 1) * sizeof(char16_t);
+  if (!::OpenClipboard(List.Get())) return;
+  ::EmptyClipboard();
+  if (const HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, size); memory != nullptr) {
+    std::memcpy(::GlobalLock(memory), text.c_str(), size);
+    ::GlobalUnlock(memory);
+    // The clipboard owns it from here on.
+    if (::SetClipboardData(CF_UNICODETEXT, memory) == nullptr) ::GlobalFree(memory);
+  }
+  ::CloseClipboard();
 }
 
 // --- places ---
@@ -300,6 +372,21 @@ int TNativeTreeList::TImpl::LineAt(POINT place) const {
 void TNativeTreeList::TImpl::RedrawCurrent() {
   if (Current == TTreeListModel::kNone) return;
   ToList(LVM_REDRAWITEMS, Current, static_cast<LPARAM>(Current));
+}
+
+void TNativeTreeList::TImpl::SetWidth(std::size_t listColumn, int width) {
+  SettingWidths = true;
+  ToList(LVM_SETCOLUMNWIDTH, listColumn, MAKELPARAM(width, 0));
+  SettingWidths = false;
+}
+
+/// The indicator's divider and the right edge of the whole cannot be moved.
+bool TNativeTreeList::TImpl::IsFixedDivider(POINT place) const {
+  HDHITTESTINFO hit{};
+  hit.pt = place;
+  ::SendMessageW(Header(), HDM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+  const bool divider = (hit.flags & (HHT_ONDIVIDER | HHT_ONDIVOPEN)) != 0;
+  return divider && (hit.iItem == 0 || static_cast<std::size_t>(hit.iItem) == Columns.size());
 }
 
 /// Tells the list view, and by it screen readers, which row is the current one.

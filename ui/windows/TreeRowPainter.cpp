@@ -1,7 +1,8 @@
 #include "ui/windows/TreeRowPainter.h"
 
 #include <algorithm>
-#include <iterator>
+#include <functional>
+#include <numeric>
 
 #include "resources/Icons.h"
 #include "ui/windows/WindowClass.h"
@@ -44,6 +45,11 @@ void TTreeRowPainter::SetScale(const TFont& font, int dpi) {
   if (dpi != fMetrics.Dpi) fIcons.clear();
   fMetrics = TTreeMetrics(dpi);
   fFont = MakeFont(font, dpi);
+  const TScreenDc screen;
+  ::SelectObject(screen.Dc(), fFont.Get());
+  if (!::GetCharWidth32W(screen.Dc(), 0, static_cast<UINT>(fCharWidths.size() - 1), fCharWidths.data())) {
+    throw LastSystemError();
+  }
 }
 
 /// Loaded with its first row.
@@ -61,14 +67,19 @@ int TTreeRowPainter::RowHeight() const {
   return std::max<int>(fMetrics.Icon, text.tmHeight) + ScaledToDpi(4, fMetrics.Dpi);
 }
 
+/// Asking the system takes longer than adding up; a fit asks for all rows.
 int TTreeRowPainter::TextWidth(TextView text) const {
+  if (std::ranges::all_of(text, [this](char16_t letter) { return letter < fCharWidths.size(); })) {
+    return std::transform_reduce(text.begin(), text.end(), 0, std::plus(),
+                                 [this](char16_t letter) { return fCharWidths[letter]; });
+  }
   const TScreenDc screen;
   ::SelectObject(screen.Dc(), fFont.Get());
   return TextExtent(screen.Dc(), text);
 }
 
-int TTreeRowPainter::TreeWidth(int level, int image) const {
-  return image == kNoImage ? WidestTree(level) - fMetrics.Icon : WidestTree(level);
+int TTreeRowPainter::TreeWidth(int indent, int image) const {
+  return image == kNoImage ? WidestTree(indent) - fMetrics.Icon : WidestTree(indent);
 }
 
 int TTreeRowPainter::CellWidth(const TTreeListCell& cell) const {
@@ -79,8 +90,8 @@ int TTreeRowPainter::CellWidth(const TTreeListCell& cell) const {
   return width;
 }
 
-bool TTreeRowPainter::IsSign(int x, int level) const {
-  return x >= level * fMetrics.Level && x < (level + 1) * fMetrics.Level;
+bool TTreeRowPainter::IsSign(int x, int indent) const {
+  return x >= indent * fMetrics.Level && x < (indent + 1) * fMetrics.Level;
 }
 
 void TTreeRowPainter::Paint(HDC dc, const TTreeRowView& row) const {
@@ -100,7 +111,7 @@ void TTreeRowPainter::Paint(HDC dc, const TTreeRowView& row) const {
     const TSavedDc clipped(dc);
     ::IntersectClipRect(dc, cell.left, cell.top, cell.right, cell.bottom);
     if (i == 0) PaintTree(dc, row, rest, colours);
-    PaintCell(dc, rest, row.Cells[i], row.Columns[i].Alignment);
+    PaintCell(dc, rest, row.Cells[i], row.Columns[i]);
   }
   if (!row.Current || !row.FocusCue) return;
   const RECT focus{row.Area.left + fMetrics.Indicator, row.Area.top, cell.right, row.Area.bottom};
@@ -126,26 +137,26 @@ void TTreeRowPainter::PaintIndicator(HDC dc, const TTreeRowView& row) const {
 
 /// Lines, sign and image; `cell` shrinks to what is left for the text.
 void TTreeRowPainter::PaintTree(HDC dc, const TTreeRowView& row, RECT& cell, const TColours& colours) const {
-  const auto columnOf = [&](int level) {
-    return static_cast<int>(cell.left) + level * fMetrics.Level + fMetrics.Level / 2;
+  const auto columnOf = [&](int indent) {
+    return static_cast<int>(cell.left) + indent * fMetrics.Level + fMetrics.Level / 2;
   };
   const auto vertical = [&](int x, LONG top, LONG bottom) {
     FillArea(dc, {x, top, x + fMetrics.Line, bottom}, colours.Lines);
   };
-  const int level = row.Line.Level;
+  const int indent = row.Line.Indent;
   const int y = Middle(cell.top, cell.bottom);
-  for (int above = 0; above < level && columnOf(above) < cell.right; ++above) {
+  for (int above = 0; above < indent && columnOf(above) < cell.right; ++above) {
     if (row.Line.Continues[static_cast<std::size_t>(above)]) vertical(columnOf(above), cell.top, cell.bottom);
   }
-  const int x = columnOf(level);
+  const int x = columnOf(indent);
   const bool goesOn = !row.Line.Continues.empty() && row.Line.Continues.back();
   vertical(x, row.First ? y : cell.top, goesOn ? cell.bottom : y);
-  FillArea(dc, {x, y, cell.left + (level + 1) * fMetrics.Level - fMetrics.Line, y + fMetrics.Line},
+  FillArea(dc, {x, y, cell.left + (indent + 1) * fMetrics.Level - fMetrics.Line, y + fMetrics.Line},
            colours.Lines);
   if (row.Line.HasChildren) PaintSign(dc, {x, y}, row.Line.Open, colours);
   if (row.Line.Image != kNoImage)
-    PaintIcon(dc, cell.left + (level + 1) * fMetrics.Level, cell, row.Line.Image);
-  cell.left += TreeWidth(level, row.Line.Image);
+    PaintIcon(dc, cell.left + (indent + 1) * fMetrics.Level, cell, row.Line.Image);
+  cell.left += TreeWidth(indent, row.Line.Image);
 }
 
 void TTreeRowPainter::PaintSign(HDC dc, POINT middle, bool open, const TColours& colours) const {
@@ -175,11 +186,12 @@ void TTreeRowPainter::PaintWarning(HDC dc, RECT& cell, const UnicodeString& warn
   cell.left += TextExtent(dc, warning) + fMetrics.Gap + fMetrics.Padding;
 }
 
-void TTreeRowPainter::PaintCell(HDC dc, RECT cell, const TTreeListCell& content, TAlignment alignment) const {
+void TTreeRowPainter::PaintCell(HDC dc, RECT cell, const TTreeListCell& content,
+                                const TTreeListHeader& header) const {
   cell.left += fMetrics.Padding;
   cell.right -= fMetrics.Padding;
   if (!content.Warning.empty()) PaintWarning(dc, cell, content.Warning);
   if (cell.left >= cell.right) return;
-  ::DrawTextW(dc, Wide(content.Text), -1, &cell,
-              kOneLine | (alignment == TAlignment::Centre ? DT_CENTER : DT_LEFT));
+  const UINT alignment = header.Alignment == TAlignment::Centre ? DT_CENTER : DT_LEFT;
+  ::DrawTextW(dc, Wide(content.Text), -1, &cell, kOneLine | alignment | (header.Path ? DT_PATH_ELLIPSIS : 0));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <map>
 #include <span>
 
@@ -48,13 +49,13 @@ class TTreeRowPainter {
   int RowHeight() const;
   int TextWidth(TextView text) const;
   /// What a cell in the tree's column needs before its text.
-  int TreeWidth(int level, int image) const;
+  int TreeWidth(int indent, int image) const;
   /// The same for a node with an image.
-  int WidestTree(int level) const { return (level + 1) * fMetrics.Level + fMetrics.Icon; }
+  int WidestTree(int indent) const { return (indent + 1) * fMetrics.Level + fMetrics.Icon; }
   /// What a cell needs in all.
   int CellWidth(const TTreeListCell& cell) const;
   /// Whether `x`, from the left edge of the tree's column, is within the place of a branch's sign.
-  bool IsSign(int x, int level) const;
+  bool IsSign(int x, int indent) const;
 
   void Paint(HDC dc, const TTreeRowView& row) const;
   /// The row indicator's column of `area`, without an arrow.
@@ -69,9 +70,10 @@ class TTreeRowPainter {
   void PaintSign(HDC dc, POINT middle, bool open, const TColours& colours) const;
   void PaintIcon(HDC dc, LONG left, const RECT& cell, int number) const;
   void PaintWarning(HDC dc, RECT& cell, const UnicodeString& warning) const;
-  void PaintCell(HDC dc, RECT cell, const TTreeListCell& content, TAlignment alignment) const;
+  void PaintCell(HDC dc, RECT cell, const TTreeListCell& content, const TTreeListHeader& header) const;
 
   TTreeMetrics fMetrics;
   TFontHandle fFont;
+  std::array<INT, 256> fCharWidths{};
   mutable std::map<int, TIconHandle> fIcons;  // by number among the resources, for this scale
 };
