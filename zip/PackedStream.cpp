@@ -36,7 +36,7 @@ constexpr TSearch kFirstTextSearch{6, Z_FILTERED, 4, 8, 64, 32};
 /// The fast method, with more candidates than it has by itself.
 constexpr TSearch kBinarySearch{3, Z_DEFAULT_STRATEGY, 8, 16, 32, 8};
 
-/// The Deflate data of a unit of one byte value, which stand for themselves between other blocks.
+/// The Deflate data of a unit of one byte value: whole blocks, which refer to nothing before them.
 std::string PackedByteRun(unsigned char value) {
   std::vector<unsigned char> unit(TDataEstimate::kUnitSize, value);
   std::string packed(TDataEstimate::kUnitSize, '\0');

@@ -129,7 +129,7 @@ void TZipArchive::AddContents(TextView folder) {
 
 void TZipArchive::AddContents(TextView folder, TextView prefix) {
   std::vector<TFolderEntry> entries = ListFolder(folder);
-  // With its separator a folder's name sorts as the names of what lies in it.
+  // With its separator a folder's name sorts as the names of what is in it.
   for (TFolderEntry& entry : entries) {
     if (entry.Kind == TEntryKind::Folder) entry.Name += u'/';
   }

@@ -17,12 +17,12 @@ class TZipArchive {
   TZipArchive& operator=(const TZipArchive&) = delete;
   ~TZipArchive();
 
-  /// Packs a file under `name`, in which "\" and "/" separate folders. Should somebody write to it meanwhile,
+  /// Packs a file under `name`, in which "\" and "/" separate folders. If somebody writes to it meanwhile,
   /// what is read ends at the size that it had when it was opened.
   void AddFile(TextView path, TextView name);
   /// An entry for a folder itself; only an empty one needs it.
   void AddFolder(TextView name, TLocalTime modified);
-  /// Packs all that lies in a folder, and in the folders in it, under its path from there, in the order of
+  /// Packs everything in a folder, and in the folders in it, under its path from there, in the order of
   /// the names' UTF-16 code units. Links are left out.
   void AddContents(TextView folder);
   /// Writes the directory, without which the archive cannot be read. No other call is allowed afterwards.

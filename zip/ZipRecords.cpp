@@ -26,7 +26,7 @@ constexpr std::uint32_t kFileAttributes = 0100644U << 16 | 0x20;
 constexpr std::uint64_t kMost16 = 0xFFFF;
 constexpr std::uint64_t kMost32 = 0xFFFFFFFF;
 
-/// A record that grows; numbers stand in it with their low byte first.
+/// A record that grows; its numbers have their low byte first.
 class TRecord {
  public:
   TRecord& Add16(std::uint64_t value) { return AddNumber(value, 2); }

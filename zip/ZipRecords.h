@@ -22,7 +22,7 @@ struct TZipEntry {
 // number does not fit the plain one.
 namespace zip_records {
 
-/// Of the same length whatever the sizes are. Throws EError of kind InputOutput when the name is too long for
+/// Its length does not depend on the sizes. Throws EError of kind InputOutput when the name is too long for
 /// the format.
 std::string LocalHeader(const TZipEntry& entry);
 std::string DirectoryHeader(const TZipEntry& entry);

@@ -4,7 +4,7 @@
 #include "headless/Machine.h"
 #include "zip/ZipArchive.h"
 
-// pack_folder FOLDER ARCHIVE: writes a new archive of all that lies in the folder. Both are full paths.
+// pack_folder FOLDER ARCHIVE: writes a new archive of everything in the folder. Both are full paths.
 int main(int count, char** arguments) {
   if (count != 3) {
     std::fputs("Usage: pack_folder FOLDER ARCHIVE\n", stderr);

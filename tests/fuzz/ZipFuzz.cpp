@@ -1,6 +1,6 @@
 // The packed stream gives back what was packed. An input is a recipe, as packing decides by kilobytes: the
-// size of the blocks, then in each line a letter and numbers. r is random data, t text, n small numbers, c
-// columns, z one byte, b the bytes that far back; any other line is taken as it is.
+// size of the blocks, then in each line a letter and numbers. r is random data, t text, n small numbers,
+// c columns, z one byte, b the bytes that far back; any other line is taken as it is.
 
 #include <unistd.h>
 
