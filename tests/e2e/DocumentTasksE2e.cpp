@@ -98,11 +98,12 @@ TEST_F(DocumentTasksE2e, WritesDocumentAndCloses) {
 }
 
 TEST_F(DocumentTasksE2e, ReadsSettingsAndStandardInput) {
+  WriteFile(L"Liste.txt", "INTZUSTAND-EOF\nb\n");
   WriteFile(
       L"AppData\\VelMora\\Velmora.ini",
       "[Inventor]\r\nINV_IndexProp=Bezeichnung\r\nINV_IndexHint=Ge\xE4ndert!\r\nINV_AutoRemoveHint=0x0\r\n");
   const TProgram program(Arguments(L"/P", L"Teil ä.ipt"), Environment({{L"APPRENTICE_DUPLICATE", L"accept"}}),
-                         "INTZUSTAND-EOF\nb\n");
+                         Path(L"Liste.txt"));
   EXPECT_EQ(program.WaitForExit(), 0U);
   ASSERT_EQ(PropertyCount(), 7U);
   EXPECT_EQ(Property(0), "Bezeichnung=\"\"");

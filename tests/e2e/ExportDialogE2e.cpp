@@ -253,16 +253,3 @@ TEST_F(ExportDialogE2e, FailingScanShowsErrorAndNoRows) {
   ExpectClosed(program);
   EXPECT_EQ(RootOpened(), 2);
 }
-
-TEST_F(ExportDialogE2e, OpensEmptyWithoutDatabaseFolder) {
-  WriteFile(L"AppData\\VelMora\\DBExt", "a file where the folder should be");
-  const TProgram program(Arguments(), Environment());
-  EXPECT_EQ(program.TextOfClosedBox(),
-            L"Der Datenbankordner \"" + Path(L"AppData\\VelMora\\DBExt") + L"\" ist nicht vorhanden.");
-  EXPECT_EQ(program.TextOfClosedBox(), L"Die Datenbank ist nicht geöffnet.");
-  const TExportDialog dialog(program);
-  EXPECT_TRUE(dialog.Rows().empty());
-  dialog.Press(VK_ESCAPE);
-  EXPECT_EQ(program.WaitForExit(), 0U);
-  EXPECT_TRUE(Trace().empty());
-}

@@ -7,22 +7,6 @@
 
 #include "tests/e2e/RemoteListView.h"
 
-namespace {
-
-/// A pipe that holds `text` and whose writer has gone.
-TFileHandle PipeWith(const std::string& text) {
-  HANDLE read = nullptr;
-  HANDLE write = nullptr;
-  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  ::CreatePipe(&read, &write, &inherited, static_cast<DWORD>(text.size() + 1));
-  const TFileHandle writer(write);
-  DWORD written = 0;
-  ::WriteFile(write, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
-  return TFileHandle(read);
-}
-
-}  // namespace
-
 std::wstring BuiltPath(const std::wstring& file) {
   std::wstring name(32'768, L'\0');
   name.resize(::GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
@@ -82,11 +66,14 @@ THostWindow::THostWindow(const wchar_t* title, RECT bounds, bool visible)
 }
 
 TProgram::TProgram(const std::wstring& arguments, const TEnvironment& changes,
-                   const std::optional<std::string>& standardInput) {
+                   const std::optional<std::wstring>& standardInput) {
   const std::wstring executable = BuiltPath(L"VelmoraInventor.exe");
   std::wstring commandLine = L"\"" + executable + L"\" " + arguments;
   for (const auto& [name, value] : changes) ::SetEnvironmentVariableW(name.c_str(), value.c_str());
-  const TFileHandle input = standardInput ? PipeWith(*standardInput) : TFileHandle();
+  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+  const TFileHandle input(standardInput ? ::CreateFileW(standardInput->c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                                        &inherited, OPEN_EXISTING, 0, nullptr)
+                                        : INVALID_HANDLE_VALUE);
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   if (input) {

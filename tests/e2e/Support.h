@@ -49,10 +49,10 @@ class TProgram {
  public:
   using TEnvironment = std::map<std::wstring, std::wstring>;
 
-  /// Starts it with `arguments` unchanged and with changes to the environment. Nothing in
-  /// `standardInput`: the process has none.
+  /// Starts it with `arguments` unchanged and with changes to the environment. Without the
+  /// path of a file for it the process has no standard input.
   TProgram(const std::wstring& arguments, const TEnvironment& changes,
-           const std::optional<std::string>& standardInput = {});
+           const std::optional<std::wstring>& standardInput = {});
   ~TProgram();
   TProgram(const TProgram&) = delete;
   TProgram& operator=(const TProgram&) = delete;

@@ -49,6 +49,7 @@ TEST_F(DrawingReferenceTest, ClosesAfterRefusingAnOldDrawing) {
   const auto log = Run(kRun);
   EXPECT_EQ(log.at(3), "0 plain box \"Velmora\": " + kMigrationText);
   EXPECT_EQ(log.back(), "100 quit");
+  EXPECT_EQ(Calls().at(2) + Calls().at(3), "document.CloseDocument()server.CloseServer()");
   EXPECT_EQ(References(), std::vector<std::string>{"a.ipt"});
   EXPECT_EQ(Run(kRun).back(), "3600 quit") << "the timer ends the box that nobody closes";
   EXPECT_EQ(LiveObjects(), 0);

@@ -11,6 +11,7 @@ namespace {
 
 using TTree = headless::TTreeListScreen;
 using TDialog = headless::TDialogScreen;
+using headless::Machine;
 using TLines = std::vector<std::string>;
 
 class ExportDialogTest : public TExportTest {};
@@ -73,4 +74,13 @@ TEST_F(ExportDialogTest, HiddenFeaturesChangeTheTable) {
               EXPECT_THROW(form.SpeedButton1Click(), EError) << "the name goes into the statement as it is";
               EXPECT_TRUE(TTree::Lines().empty()) << "nothing is bound";
             }});
+}
+
+TEST_F(ExportDialogTest, OpensEmptyWithoutDatabaseFolder) {
+  WriteFile(u"C:\\Users\\Größe\\AppData\\VelMora\\DBExt", "a file where the folder should be");
+  Machine().PressOkAfter = {0, 0};
+  const TLines log = RunExport(u"C:\\P\\g.iam", {[] { EXPECT_TRUE(TTree::Lines().empty()); }});
+  EXPECT_TRUE(Has(log, "AppData\\VelMora\\DBExt\" ist nicht vorhanden."));
+  EXPECT_TRUE(Has(log, "error box \"Velmora\": Die Datenbank ist nicht geöffnet."));
+  EXPECT_TRUE(Trace.empty());
 }

@@ -117,13 +117,3 @@ TEST_F(TreeListTest, ValidatesEachTextOnce) {
   EXPECT_EQ(asked, "Wanne Rad Achse Wanne Rad Achse ") << "the table is opened anew";
   EXPECT_EQ(headless::Machine().Log.front(), "0 error box without owner \"Velmora\": Zugriff verweigert");
 }
-
-TEST_F(TreeListTest, FailedBindingLeavesListEmpty) {
-  Fill();
-  fList.ParentField = u"Eltern";
-  EXPECT_THROW(Insert(-1, u"Deckel"), EError);
-  EXPECT_EQ(TScreen::Info(), "0 von 0");
-  for (const TTreeKey key : {TTreeKey::Down, TTreeKey::Left, TTreeKey::OpenBranch}) TScreen::Press(key);
-  TScreen::Type(u"rad");
-  EXPECT_EQ(TScreen::Lines(), TLines());
-}
