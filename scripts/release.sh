@@ -32,6 +32,7 @@ fi
 
 "$root/scripts/release/page.py" "$root/docs/anleitung.md" "$release/$name/Anleitung.html"
 "$root/scripts/release/page.py" "$root/docs/host-integration.md" "$release/$name/Host-Integration.html"
+"$root/scripts/release/page.py" "$root/docs/formats.md" "$release/$name/Formats.html"
 "$root/scripts/release/page.py" "$root/docs/third-party.md" "$release/$name/Third-Party-Notices.html"
 
 python3 - "$release" "$name" <<'P'
