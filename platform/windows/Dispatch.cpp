@@ -174,18 +174,17 @@ TComApartment::~TComApartment() {
 
 TDispatch CreateInstance(const TGuid& clsid, const TGuid& iid) {
   TComReference<IUnknown> created;
-  CheckCreated(CallWhileRejected([&] {
-                 return created.ReceiveFrom([&](IUnknown** to) {
-                   return ::CoCreateInstance(std::bit_cast<GUID>(clsid), nullptr,
-                                             CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
-                                             reinterpret_cast<void**>(to));
-                 });
-               }),
-               created.Get());
+  HRESULT outcome = CallWhileRejected([&] {
+    return created.ReceiveFrom([&](IUnknown** to) {
+      return ::CoCreateInstance(std::bit_cast<GUID>(clsid), nullptr,
+                                CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
+                                reinterpret_cast<void**>(to));
+    });
+  });
+  CheckCreated(outcome, created.Get());
   IDispatch* asked = nullptr;
-  CheckCreated(CallWhileRejected([&] {
-                 return created->QueryInterface(std::bit_cast<GUID>(iid), reinterpret_cast<void**>(&asked));
-               }),
-               asked);
+  outcome = CallWhileRejected(
+      [&] { return created->QueryInterface(std::bit_cast<GUID>(iid), reinterpret_cast<void**>(&asked)); });
+  CheckCreated(outcome, asked);
   return AdoptComObject(asked);
 }

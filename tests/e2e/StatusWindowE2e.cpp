@@ -111,7 +111,7 @@ TEST_F(StatusWindowE2e, BevelsStayClearOfTheScaledLabel) {
   const RECT bounds = BoundsOf(form);
   EXPECT_EQ(bounds.right - bounds.left, 450);
   EXPECT_EQ(bounds.bottom - bounds.top, 105);
-  const auto widthOf = [x = bounds.left, y = (bounds.top + bounds.bottom) / 2](int colour) mutable {
+  auto widthOf = [x = bounds.left, y = (bounds.top + bounds.bottom) / 2](int colour) mutable {
     const HDC screen = ::GetDC(nullptr);
     int width = 0;
     for (; ::GetPixel(screen, x, y) == ::GetSysColor(colour); ++x) ++width;

@@ -204,7 +204,8 @@ TEST_F(AssemblyScanTest, DepthHasNoLimit) {
   TSimulator simulator({load, {}}, {});
   headless::Machine().CreateInstance = [&](const TGuid&, const TGuid&) { return simulator.CreateServer(); };
   CreateWorkingTable(fQuery, u"PC-01");
-  TAssemblyScan scan(fQuery);
+  TExistingFiles files;
+  TAssemblyScan scan(fQuery, files);
   scan.OnRootOpened = [](const UnicodeString&) {};
   scan.OnLevelScanned = [] {};
   scan.FirstOpenAssembly(u"C:\\P\\1.iam");

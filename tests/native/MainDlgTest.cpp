@@ -66,10 +66,10 @@ TEST_F(MainDlgTest, ShowsErrorsUntilTheTimerEnds) {
     UnicodeString Message;
   } const cases[] = {
       {2, u"Erste Zeile\r\nZweite Zeile", kUnspecifiedError, 0, u"Erste Zeile\r\nZweite Zeile"},
-      {2, UnicodeString(u"\0Gesperrt", 9), kUnspecifiedError, 0, u"Gesperrt"},
-      {2, UnicodeString(1, u'\0'), kUnspecifiedError, 0, u"Unbekannter Fehler"},
+      {2, UnicodeString(u"\0Gesperrt", 9), HResult(0xA0ABCDEF), 0, u"Systemfehler A0ABCDEF"},
+      {2, UnicodeString(u"Ge\0sperrt", 9), kUnspecifiedError, 0, u"Gesperrt"},
       {2, UnicodeString(30'000, u'x'), kUnspecifiedError, 0, UnicodeString(2048, u'x') + u"…"},
-      {2, UnicodeString(200, u'\n'), kUnspecifiedError, 0, UnicodeString(39, u'\n') + u"…"},
+      {2, u"a" + UnicodeString(200, u'\n'), kUnspecifiedError, 0, u"a" + UnicodeString(39, u'\n') + u"…"},
       {2, u"", HResult(0xA0ABCDEF), 0, u"Systemfehler A0ABCDEF"},
       {0, u"", kUnspecifiedError, kClassNotRegistered, SystemErrorText(kClassNotRegistered)},
   };
