@@ -29,7 +29,7 @@ class TUniqueHandle {
  private:
   static T None() noexcept {
     if constexpr (std::is_pointer_v<T>) {
-      return reinterpret_cast<T>(kNone);
+      return reinterpret_cast<T>(kNone);  // NOLINT(performance-no-int-to-ptr): how the system writes it
     } else {
       return static_cast<T>(kNone);
     }
