@@ -291,7 +291,7 @@ UnicodeString ResolvedPath(TextView path) {
 
 std::optional<TFileIdentity> IdentityOf(TextView path) {
   if (Fails("IdentityOf")) return {};
-  struct stat status {};
+  struct stat status = {};
   if (::stat(HostPath(path).c_str(), &status) != 0) return {};
   return TFileIdentity{status.st_dev, status.st_ino};
 }

@@ -181,8 +181,8 @@ void RemoveFolder(TextView path, TRetryBudget& budget) noexcept {
     const UnicodeString folder = SystemPath(path);
     if (!IsLink(path)) RemoveContents(folder, budget);
     // Files that are removed while somebody has them open stay in it until then.
-    Retry(
-        budget, [&folder] { return ::RemoveDirectoryW(Wide(folder)); }, ERROR_DIR_NOT_EMPTY);
+    const auto remove = [&folder] { return ::RemoveDirectoryW(Wide(folder)); };
+    Retry(budget, remove, ERROR_DIR_NOT_EMPTY);
   } catch (...) {  // no memory for a name: the rest stays
   }
 }

@@ -8,8 +8,8 @@
 
 // Data that packing decides about, and what comes of them. No test framework: fuzz targets use it, too.
 
-/// One part of a recipe. Kinds: r random, t text, n numbers below 16, c columns (sixteen random bytes,
-/// sixteen zeros), b the bytes that are `Number` before the end once more, any other the byte `Number`.
+/// One part of a recipe. Kinds: r random, t text, n numbers below 16, c columns (16 random bytes,
+/// 16 zeros), b the bytes that are `Number` before the end once more, any other the byte `Number`.
 struct TDataPart {
   char Kind;
   std::size_t Size;
