@@ -4,7 +4,7 @@ namespace {
 
 constexpr char16_t kBlank = u' ';  // this and every character below it separate arguments
 
-/// The argument that begins at `at` or behind the blanks there; `at` moves behind it.
+/// The argument that begins at `at` or after the blanks there; `at` moves past it.
 UnicodeString NextArgument(TextView text, std::size_t& at) {
   while (at < text.size() && text[at] <= kBlank) ++at;
   UnicodeString argument;

@@ -12,7 +12,7 @@ class TCommandLine {
   /// `text` begins with the program's own name.
   explicit TCommandLine(TextView text);
 
-  /// The arguments behind the program's name, up to the first empty one.
+  /// The arguments after the program's name, up to the first empty one.
   int Count() const noexcept { return static_cast<int>(fArguments.size()); }
   /// Argument `number`, counted from 1; empty beyond Count.
   UnicodeString Argument(int number) const;

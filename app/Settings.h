@@ -16,6 +16,6 @@ void EnsureDatabaseFolder(const UnicodeString& programFolder);
 /// The section "Inventor" of the settings file, with defaults for what is missing. Never writes the file.
 TIndexSettings ReadIndexSettings(const UnicodeString& settingsFile);
 
-/// A whole text as a 32-bit integer: decimal, or hexadecimal behind "$", a sign before either, blanks before
+/// A whole text as a 32-bit integer: decimal, or hexadecimal after "$", a sign before either, blanks before
 /// that. Nothing for any other text and for numbers that do not fit.
 std::optional<std::int32_t> IntegerFromText(TextView text);

@@ -4,6 +4,6 @@
 
 #include "platform/Text.h"
 
-/// The status text after a property update: a line for the properties created and, behind a carriage return,
+/// The status text after a property update: a line for the properties created and, after a carriage return,
 /// one for those updated.
 UnicodeString UpdateReport(std::int32_t created, std::int32_t updated);

@@ -67,7 +67,7 @@ class TBareScan {
 
 }  // namespace
 
-/// Called with |SWITCH|DOCUMENT, for /P with |LIST behind them. The switch /E-calls leaves out the files.
+/// Called with |SWITCH|DOCUMENT, for /P followed by |LIST. The switch /E-calls leaves out the files.
 int ProgramMain() {
   const UnicodeString commandLine = CommandLine();
   const UnicodeString task = Part(commandLine, 1);
