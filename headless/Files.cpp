@@ -349,9 +349,14 @@ void RemoveFolder(TextView path, TRetryBudget& budget) noexcept {
 }
 
 struct TLockFile::TImpl {
+  TImpl(std::filesystem::path path, TDescriptor descriptor)
+      : Path(std::move(path)), Descriptor(std::move(descriptor)) {}
+  TImpl(const TImpl&) = delete;
+  TImpl& operator=(const TImpl&) = delete;
+  ~TImpl() { ::unlink(Path.c_str()); }
+
   std::filesystem::path Path;
   TDescriptor Descriptor;
-  ~TImpl() { ::unlink(Path.c_str()); }
 };
 
 TLockFile::TLockFile(TextView path) {
@@ -360,7 +365,7 @@ TLockFile::TLockFile(TextView path) {
   TDescriptor descriptor(::open(host.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
   if (!descriptor) throw InputOutputError(errno);
   if (::flock(descriptor.Get(), LOCK_EX | LOCK_NB) != 0) return;
-  fImpl.reset(new TImpl{host, std::move(descriptor)});
+  fImpl = std::make_unique<TImpl>(host, std::move(descriptor));
 }
 
 TLockFile::~TLockFile() = default;

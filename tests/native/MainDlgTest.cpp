@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "app/UpdateReport.h"
 #include "platform/System.h"
 #include "tests/support/ProgramTest.h"
 
@@ -102,35 +101,4 @@ TEST_F(MainDlgTest, CentresOnFirstWindowThatNamesTheHost) {
   EXPECT_EQ(Run(kRun).at(1), "0 show -250,-85 300x70");
   Machine().ZOrder = {&other};
   EXPECT_EQ(Run(kRun).at(1), "0 show 490,477 300x70");
-}
-
-TEST_F(MainDlgTest, CreatesOnlyTheDatabaseFolder) {
-  const auto entries = [](const std::filesystem::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-      names.push_back(entry.path().filename());
-    return names;
-  };
-  Run(kRun);
-  EXPECT_EQ(entries(headless::HostPath(u"C:\\Users\\Größe\\AppData\\VelMora")),
-            (std::vector<std::string>{"DBExt"}));
-  Machine().Environment.erase(u"APPDATA");
-  Run(kRun);
-  EXPECT_EQ(entries(headless::HostPath(u"\\VelMora")), (std::vector<std::string>{"DBExt"}));
-  // Where it cannot be made the program works on without it.
-  Machine().Environment[u"APPDATA"] = u"C:\\Teil.ipt";
-  EXPECT_EQ(Run(kRun).back(), "1500 quit");
-}
-
-TEST_F(MainDlgTest, ReportsOneLinePerCount) {
-  struct {
-    int Created;
-    int Updated;
-    TextView Text;
-  } const cases[] = {
-      {0, 0, u" keine neue Properties angelegt...\rkeine Properties aktualisiert..."},
-      {1, 1, u" ein Propertie neu angelegt...\r ein Propertie aktualisiert..."},
-      {2, 5, u"2 Properties neu angelegt...\r2 Properties aktualisiert..."},
-  };
-  for (const auto& test : cases) EXPECT_EQ(UpdateReport(test.Created, test.Updated), test.Text);
 }

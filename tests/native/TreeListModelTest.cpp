@@ -46,12 +46,6 @@ class TreeListModelTest : public testing::Test {
     return seen;
   }
 
-  bool Find(TextView prefix, std::size_t from) {
-    const std::vector<UnicodeString> names = {u"Rad",    u"Ölfilter", u"Achse", u"Ölwanne",
-                                              u"Rahmen", u"Öse",      u""};
-    return fModel.Find(prefix, from, [&names](std::size_t record) { return names[record]; });
-  }
-
   TTreeListModel fModel;
 };
 
@@ -131,21 +125,4 @@ TEST_F(TreeListModelTest, CurrentRowStaysVisible) {
   EXPECT_EQ(Seen(), ">+0 6");
   fModel.Open(0);
   EXPECT_EQ(Seen(), ">-0 +1 +4 6") << "the deeper ones stay closed";
-}
-
-TEST_F(TreeListModelTest, FindsByPrefix) {
-  const struct {
-    TextView Prefix;
-    std::size_t From;
-    bool Found;
-    std::string Seen;
-  } steps[] = {
-      {u"r", 1, true, "-0 +1 >+4 6"},      {u"ÖLW", 0, true, "-0 -1 2 >3 +4 6"},
-      {u"öl", 4, true, "-0 >-1 2 3 +4 6"}, {u"öls", 0, false, "-0 >-1 2 3 +4 6"},
-      {u"ra", 7, true, ">-0 -1 2 3 +4 6"},
-  };
-  for (const auto& step : steps) {
-    EXPECT_EQ(Find(step.Prefix, step.From), step.Found) << Utf8FromText(step.Prefix);
-    EXPECT_EQ(Seen(), step.Seen) << Utf8FromText(step.Prefix);
-  }
 }
