@@ -195,9 +195,12 @@ void TPackedStream::Store(TBytes run) {
 }
 
 void TPackedStream::StoreByteRun(TBytes run) {
-  std::string& packed = fByteRuns[run.front()];
-  if (packed.empty()) packed = PackedByteRun(run.front());
-  for (std::size_t i = 0; i < run.size(); i += TDataEstimate::kUnitSize) fTarget.Write(packed);
+  // Each unit has one value, but the next unit's may be another one.
+  for (std::size_t i = 0; i < run.size(); i += TDataEstimate::kUnitSize) {
+    std::string& packed = fByteRuns[run[i]];
+    if (packed.empty()) packed = PackedByteRun(run[i]);
+    fTarget.Write(packed);
+  }
 }
 
 void TPackedStream::Deflate(TBytes run, int flush) {
