@@ -37,15 +37,15 @@ bool IsRejected(HRESULT outcome) {
 }
 
 /// Makes a call again for up to ten seconds while a busy component in another process rejects it: a rejected
-/// call was not executed.
-template <class TCall>
-HRESULT CallWhileRejected(TCall call) {
+/// call was not executed. `isRejection` tells which outcomes say so.
+template <class TCall, class TIsRejection = bool (*)(HRESULT)>
+HRESULT CallWhileRejected(TCall call, TIsRejection isRejection = IsRejected) {
   constexpr int kPauseMilliseconds = 100;
   constexpr int kLimitMilliseconds = 10'000;
   const std::int64_t end = TickMilliseconds() + kLimitMilliseconds;
   for (;;) {
     const HRESULT outcome = call();
-    if (!IsRejected(outcome) || TickMilliseconds() >= end) return outcome;
+    if (!isRejection(outcome) || TickMilliseconds() >= end) return outcome;
     WaitMilliseconds(kPauseMilliseconds);
     MSG message;
     ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);  // or Windows reports the windows as hanging
@@ -184,7 +184,11 @@ TDispatch CreateInstance(const TGuid& clsid, const TGuid& iid) {
   CheckCreated(outcome, created.Get());
   IDispatch* asked = nullptr;
   outcome = CallWhileRejected(
-      [&] { return created->QueryInterface(std::bit_cast<GUID>(iid), reinterpret_cast<void**>(&asked)); });
+      [&] { return created->QueryInterface(std::bit_cast<GUID>(iid), reinterpret_cast<void**>(&asked)); },
+      // A proxy may report the rejected question as a refused interface (seen under Wine).
+      [&](HRESULT answer) {
+        return IsRejected(answer) || (answer == E_NOINTERFACE && IsProxy(created.Get()));
+      });
   CheckCreated(outcome, asked);
   return AdoptComObject(asked);
 }
