@@ -65,9 +65,13 @@ copySettings() {
     cp -a /etc/apt "$debian/etc/"
     find "$debian/etc/apt" -name '*sources*' -type f -exec sed -i "s/\b$from\b/$name/g" {} +
     find "$debian/etc/apt/sources.list.d" -type f -exec sed -i "s/\b$from\b/$name/g" {} +
-    mkdir -p "$debian/etc/ssl" "$debian/usr/share/keyrings"
+    # Certificates of one's own: for apt as they are, and again where the installation of the package makes the new
+    # Debian's own list from.
+    mkdir -p "$debian"/{etc/ssl,usr/share/keyrings,usr/local/share/ca-certificates}
     cp -a -n /usr/share/keyrings/. "$debian/usr/share/keyrings/"
     cp -a /etc/ssl/certs "$debian/etc/ssl/"
+    [ ! -d /usr/local/share/ca-certificates ] ||
+        cp -a /usr/local/share/ca-certificates/. "$debian/usr/local/share/ca-certificates/"
     cp -L /etc/resolv.conf /etc/hosts "$debian/etc/"
     for file in "$(npm config get globalconfig 2>/dev/null)" "$(npm config get userconfig 2>/dev/null)"; do
         [ ! -f "$file" ] || cat "$file" >>"$home/.npmrc"
