@@ -48,7 +48,7 @@ std::string NameKey(TextView name) {
 bool IsPermitted(char32_t c) {
   if (c < 0x20) return c == U'\t' || c == U'\n' || c == U'\f' || c == U'\r';
   if (c >= 0x7F && c < 0xA0) return false;
-  return (c & 0xFFFE) != 0xFFFE && (c < 0xFDD0 || c > 0xFDEF) && (c < 0xD800 || c > 0xDFFF);
+  return (c & 0xFFFE) != 0xFFFE && (c < 0xFDD0 || c > 0xFDEF);
 }
 
 std::string_view Escape(char32_t c) {
@@ -68,27 +68,10 @@ std::string_view Escape(char32_t c) {
   }
 }
 
-void AppendUtf8(std::string& page, char32_t c) {
-  const auto tail = [&page](char32_t bits) { page += static_cast<char>(0x80 | (bits & 0x3F)); };
-  if (c < 0x80) {
-    page += static_cast<char>(c);
-  } else if (c < 0x800) {
-    page += static_cast<char>(0xC0 | c >> 6);
-    tail(c);
-  } else {
-    page += static_cast<char>(c < 0x10000 ? 0xE0 | c >> 12 : 0xF0 | c >> 18);
-    if (c >= 0x10000) tail(c >> 12);
-    tail(c >> 6);
-    tail(c);
-  }
-}
-
-/// What a page cannot hold becomes U+FFFD, lone surrogates too.
+/// What a page cannot hold becomes U+FFFD.
 void AppendText(std::string& page, TextView text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t c = text[i];
-    const bool isPair = (c & 0xFC00) == 0xD800 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
-    if (isPair) c = 0x10000 + ((c & 0x3FF) << 10) + (text[++i] & 0x3FF);
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t c = NextCodePoint(text, at);
     const std::string_view escape = Escape(c);
     page += escape;
     if (escape.empty()) AppendUtf8(page, IsPermitted(c) ? c : 0xFFFD);

@@ -56,20 +56,16 @@ class TFolderTest {
   bool Contains(TextView file) {
     if (IsIn(NormalisedPath(file), fFolder)) return true;
     // Nothing can be in a folder that does not exist.
-    return fIdentity && IsOrIsIn(ParentOf(ResolvedPath(file)));
+    return fIdentity && IsOrIsIn(UnicodeString(ParentFolder(ResolvedPath(file))));
   }
 
  private:
-  static UnicodeString ParentOf(const UnicodeString& path) {
-    const std::size_t separator = path.find_last_of(u'\\');
-    return separator != UnicodeString::npos ? path.substr(0, separator) : UnicodeString();
-  }
   /// Each folder is asked once.
   bool IsOrIsIn(const UnicodeString& folder) {
     if (folder.empty() || folder.ends_with(u':')) return false;
     const auto known = fKnown.find(folder);
     if (known != fKnown.end()) return known->second;
-    const bool result = IdentityOf(folder) == fIdentity || IsOrIsIn(ParentOf(folder));
+    const bool result = IdentityOf(folder) == fIdentity || IsOrIsIn(UnicodeString(ParentFolder(folder)));
     fKnown.emplace(folder, result);
     return result;
   }

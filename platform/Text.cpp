@@ -14,26 +14,6 @@ void AppendUtf16(UnicodeString& text, char32_t codePoint) {
   text.push_back(static_cast<char16_t>(0xDC00 + (codePoint & 0x3FF)));
 }
 
-void AppendUtf8(std::string& bytes, char32_t codePoint) {
-  const auto put = [&bytes](char32_t byte) { bytes.push_back(static_cast<char>(byte)); };
-  const auto continuation = [codePoint](int shift) { return 0x80 | ((codePoint >> shift) & 0x3F); };
-  if (codePoint < 0x80) {
-    put(codePoint);
-  } else if (codePoint < 0x800) {
-    put(0xC0 | (codePoint >> 6));
-    put(continuation(0));
-  } else if (codePoint < 0x10000) {
-    put(0xE0 | (codePoint >> 12));
-    put(continuation(6));
-    put(continuation(0));
-  } else {
-    put(0xF0 | (codePoint >> 18));
-    put(continuation(12));
-    put(continuation(6));
-    put(continuation(0));
-  }
-}
-
 /// Reads one code point at `at` and moves past it; a byte that begins none is skipped alone.
 char32_t NextFromUtf8(std::string_view bytes, std::size_t& at) {
   const auto byte = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
@@ -62,18 +42,37 @@ UnicodeString TextFromUtf8(std::string_view bytes) {
   return text;
 }
 
+void AppendUtf8(std::string& bytes, char32_t codePoint) {
+  const auto put = [&bytes](char32_t byte) { bytes.push_back(static_cast<char>(byte)); };
+  const auto continuation = [codePoint](int shift) { return 0x80 | ((codePoint >> shift) & 0x3F); };
+  if (codePoint < 0x80) {
+    put(codePoint);
+  } else if (codePoint < 0x800) {
+    put(0xC0 | (codePoint >> 6));
+    put(continuation(0));
+  } else if (codePoint < 0x10000) {
+    put(0xE0 | (codePoint >> 12));
+    put(continuation(6));
+    put(continuation(0));
+  } else {
+    put(0xF0 | (codePoint >> 18));
+    put(continuation(12));
+    put(continuation(6));
+    put(continuation(0));
+  }
+}
+
+char32_t NextCodePoint(TextView text, std::size_t& at) {
+  const char32_t unit = text[at++];
+  if ((unit & 0xF800) != 0xD800) return unit;
+  if (unit >= 0xDC00 || at == text.size() || (text[at] & 0xFC00) != 0xDC00) return kReplacement;
+  return 0x10000 + ((unit & 0x3FF) << 10) + (text[at++] & 0x3FF);
+}
+
 std::string Utf8FromText(TextView text) {
   std::string bytes;
   bytes.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t codePoint = text[i];
-    if (codePoint >= 0xD800 && codePoint < 0xE000) {
-      const bool paired = codePoint < 0xDC00 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
-      codePoint = paired ? 0x10000 + ((codePoint & 0x3FF) << 10) + (text[i + 1] & 0x3FFu) : kReplacement;
-      if (paired) ++i;
-    }
-    AppendUtf8(bytes, codePoint);
-  }
+  for (std::size_t at = 0; at < text.size();) AppendUtf8(bytes, NextCodePoint(text, at));
   return bytes;
 }
 

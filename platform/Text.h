@@ -22,6 +22,11 @@ UnicodeString TextFromUtf8(std::string_view bytes);
 /// Lone surrogates become U+FFFD.
 std::string Utf8FromText(TextView text);
 
+/// Reads the code point at `at` and moves past it; a lone surrogate is read as U+FFFD.
+char32_t NextCodePoint(TextView text, std::size_t& at);
+/// `codePoint` is no surrogate.
+void AppendUtf8(std::string& bytes, char32_t codePoint);
+
 /// Plain decimal digits, no grouping, a minus sign for negatives.
 UnicodeString DecimalText(std::int64_t value);
 /// Eight upper-case hexadecimal digits, the way a system code is usually quoted.

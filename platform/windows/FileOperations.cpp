@@ -55,13 +55,6 @@ UnicodeString Filled(TCall&& call) {
   return text;
 }
 
-/// A file or folder, links followed, for asking about it: nobody keeps that out.
-TFileHandle OpenForQueries(TextView path) {
-  return TFileHandle(::CreateFileW(Wide(SystemPath(path)), 0,
-                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                   OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-}
-
 /// "\\?\C:\x" is "C:\x", "\\?\UNC\server\x" is "\\server\x".
 UnicodeString WithoutPrefix(UnicodeString path) {
   constexpr TextView kPrefix = u"\\\\?\\";

@@ -8,19 +8,12 @@
 #include <array>
 #include <limits>
 
+#include "platform/Path.h"
 #include "platform/windows/SystemHandles.h"
 #include "platform/windows/SystemPath.h"
 #include "platform/windows/Wide.h"
 
 namespace {
-
-/// The attributes alone would also count a link whose target is gone.
-bool OpensAsFolder(const UnicodeString& path) {
-  const TFileHandle handle(::CreateFileW(Wide(path), 0,
-                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-  return static_cast<bool>(handle);
-}
 
 /// By the rules for summer time of its own date, as the system's shell shows it.
 TLocalTime LocalTime(const FILETIME& time) {
@@ -81,19 +74,14 @@ DWORD ClampedSize(std::size_t size) {
   return static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
 }
 
-/// The folder that `path` is in; empty at the top.
-UnicodeString ParentFolder(const UnicodeString& path) {
-  const std::size_t separator = path.find_last_of(u"\\/");
-  return separator == UnicodeString::npos ? UnicodeString() : path.substr(0, separator);
-}
-
 }  // namespace
 
 bool FolderExists(TextView path) {
   const UnicodeString name = SystemPath(path);
   const DWORD attributes = ::GetFileAttributesW(Wide(name));
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return false;
-  return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 || OpensAsFolder(name);
+  // The attributes alone would also count a link whose target is gone.
+  return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 || OpenForQueries(path);
 }
 
 bool FileExists(TextView path) {
@@ -147,7 +135,7 @@ bool CreateFolders(TextView path) {
   const UnicodeString name = SystemPath(path);
   if (::CreateDirectoryW(Wide(name), nullptr)) return true;
   if (::GetLastError() == ERROR_PATH_NOT_FOUND) {
-    const UnicodeString parent = ParentFolder(UnicodeString(path));
+    const TextView parent = ParentFolder(path);
     if (!parent.empty() && CreateFolders(parent)) return ::CreateDirectoryW(Wide(name), nullptr) != 0;
   }
   return FolderExists(path);

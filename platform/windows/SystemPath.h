@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/windows/SystemHandles.h"
 #include "platform/windows/Wide.h"
 
 /// `path` as the system must be told it. From 248 characters on, the shortest limit (a folder's), an absolute
@@ -32,6 +33,14 @@ inline UnicodeString SystemPath(TextView path) {
   if (length == 0 || length >= full.size()) return name;
   full.resize(length);
   return UnicodeString(kPrefix) + (isShare ? u"UNC" + full.substr(1) : full);
+}
+
+/// A file or folder, links followed, for asking about it: nobody keeps that out. Empty when it does not
+/// exist.
+inline TFileHandle OpenForQueries(TextView path) {
+  return TFileHandle(::CreateFileW(Wide(SystemPath(path)), 0,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                   OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
 }
 
 /// Not every reparse point leads elsewhere: a file in the cloud, say, is a file. Wine names no tag.
