@@ -45,8 +45,9 @@ TEST_F(StatusWindowE2e, CentresOnFirstHostWindow) {
       {L"VelMora", {-400, -200, 201, 101}, false},  // hidden, and partly off the screen
   };
   for (const auto& test : cases) {
+    const THostWindow second(L"VelMora", {0, 0, 50, 50});
     const THostWindow host(test.Title, test.Bounds, test.Visible);
-    const THostWindow front(L"Etwas anderes", {0, 0, 50, 50});  // in front of the host
+    const THostWindow front(L"Velmora velmora", {0, 0, 50, 50});  // does not name the host
     const TProgram program(Arguments(), Environment());
     const HWND form = program.StatusWindow();
     ASSERT_NE(form, nullptr);

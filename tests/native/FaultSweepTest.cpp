@@ -60,11 +60,6 @@ class FaultSweepTest : public TProgramTest {
   static std::ptrdiff_t OpenDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
   }
-  static bool Exists(TextView path) { return std::filesystem::exists(headless::HostPath(path)); }
-  bool Logged(const std::string& part) const {
-    return std::ranges::any_of(Machine().Log,
-                               [&part](const auto& line) { return line.find(part) != std::string::npos; });
-  }
 
   void RunTask(const TTask& task) {
     for (const TextView folder : {u"C:\\P", u"C:\\Temp\\x.iam", u"C:\\Users"}) {
@@ -94,19 +89,15 @@ class FaultSweepTest : public TProgramTest {
     EXPECT_EQ(ReadFile(u"C:\\P\\t.ipt"), "Teil");
     if (task.ClosesAfterFailedSave) {
       // Once the save has begun, both are closed whatever fails; before it, neither.
-      EXPECT_EQ(Called("document.CloseDocument"), Called("server.SaveSet"));
-      EXPECT_EQ(Called("server.CloseServer"), Called("server.SaveSet"));
+      EXPECT_EQ(Has(Trace, "document.CloseDocument"), Has(Trace, "server.SaveSet"));
+      EXPECT_EQ(Has(Trace, "server.CloseServer"), Has(Trace, "server.SaveSet"));
     }
   }
-  bool Called(std::string_view name) const {
-    return std::ranges::any_of(Trace, [name](const auto& line) { return line.starts_with(name); });
-  }
 
-  bool ArchiveIsComplete() const {
-    const std::string archive = ReadFile(u"C:\\P\\x.zip");
-    return std::ranges::all_of(
-        std::vector<std::string>{"x.iam", "u.iam", "t.ipt", "Export.html"},
-        [&archive](const auto& name) { return archive.find(name) != std::string::npos; });
+  static bool ArchiveIsComplete() {
+    const std::vector<std::string> archive{ReadFile(u"C:\\P\\x.zip")};
+    return Has(archive, "x.iam") && Has(archive, "u.iam") && Has(archive, "t.ipt") &&
+           Has(archive, "Export.html");
   }
 
   /// Lets the calls fail one after the other, until one survives; returns how many have failed.
@@ -137,13 +128,13 @@ TEST_F(FaultSweepTest, NothingIsLostWhateverFails) {
           Simulation.FailCall = n;
           Simulation.FailText = u"Gesperrt";
         },
-        [this] { return Logged("error box \"Velmora\": Gesperrt"); });
+        [] { return Has(Machine().Log, "error box \"Velmora\": Gesperrt"); });
     const int seam = Sweep(
         task, [](std::int64_t n) { Machine().FailCall = n; },
         [&] {
           const std::string& failed = Machine().FailedCall;
           if (failed.empty() || std::ranges::count(silent, failed) != 0) return !failed.empty();
-          EXPECT_TRUE(Logged("Dateizugriff verweigert")) << failed;
+          EXPECT_TRUE(Has(Machine().Log, "Dateizugriff verweigert")) << failed;
           return true;
         });
     const int sql = Sweep(
@@ -155,7 +146,7 @@ TEST_F(FaultSweepTest, NothingIsLostWhateverFails) {
         },
         [this] {
           // The engine gets over some of them; no row may be lost without a word.
-          EXPECT_TRUE(!TSqlMemory::Failed || Logged("error box") || ArchiveIsComplete());
+          EXPECT_TRUE(!TSqlMemory::Failed || Has(Machine().Log, "error box") || ArchiveIsComplete());
           return TSqlMemory::Failed;
         });
     std::printf(

@@ -92,13 +92,3 @@ TEST_F(MainDlgTest, TellsWhatSigningOutWaitsFor) {
     EXPECT_EQ(Machine().ShutdownReason, u"");
   }
 }
-
-TEST_F(MainDlgTest, CentresOnFirstWindowThatNamesTheHost) {
-  headless::TDesktopWindow other{u"Velmora velmora", {0, 0, 50, 50}};
-  headless::TDesktopWindow host{u"Projekt - VelMora CAD", {-400, -200, 201, 101}};
-  headless::TDesktopWindow second{u"VelMora", {0, 0, 50, 50}};
-  Machine().ZOrder = {&other, &host, &second};
-  EXPECT_EQ(Run(kRun).at(1), "0 show -250,-85 300x70");
-  Machine().ZOrder = {&other};
-  EXPECT_EQ(Run(kRun).at(1), "0 show 490,477 300x70");
-}

@@ -63,23 +63,3 @@ TEST_F(PropertyListTest, ReadsRecordsOfTwoLines) {
     EXPECT_EQ(file.NewIndex, test.NewIndex) << test.Bytes;
   }
 }
-
-TEST_F(PropertyListTest, FindsEntriesByTextBeforeAnyEqualSign) {
-  TPropertyList list;
-  list.Append(u"A=B", u"v");
-  list.Append(u"a", u"x");
-  EXPECT_EQ(list.Value(u"a"), u"B=v") << "the first of two entries";
-  EXPECT_EQ(list.Value(u"a=b"), u"v");
-  for (const TextView name : {TextView(u"B"), TextView(u"A=B=v"), TextView(), TextView(u"A=B=v=")}) {
-    EXPECT_FALSE(list.Has(name));
-    EXPECT_EQ(list.Value(name), u"");
-  }
-  list.Append(u"Ä", u"1");  // of a length that was looked for before
-  list.Append(u"ä", u"2");
-  list.Delete(u"A");
-  list.Delete(u"nichts");
-  EXPECT_EQ(Entries(list), (std::vector<std::string>{"a=x", "Ä=1", "ä=1"}));
-  list.Delete(u"ä");
-  EXPECT_EQ(list.Value(u"Ä"), u"2");
-  EXPECT_FALSE(list.Has(u"A=B"));
-}

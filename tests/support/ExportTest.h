@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -25,10 +24,5 @@ class TExportTest : public TProgramTest {
   std::vector<std::string> RunExport(TextView assembly, const std::vector<std::function<void()>>& actions) {
     headless::Machine().UserActions.assign(actions.begin(), actions.end());
     return Run(UnicodeString(u"/E ").append(assembly));
-  }
-
-  static bool Has(const std::vector<std::string>& log, const std::string& part) {
-    return std::ranges::any_of(
-        log, [&part](const std::string& line) { return line.find(part) != std::string::npos; });
   }
 };

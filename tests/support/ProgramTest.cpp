@@ -50,6 +50,11 @@ std::vector<std::string> TProgramTest::Run(TextView arguments) {
   return machine.Log;
 }
 
+bool TProgramTest::Has(const std::vector<std::string>& lines, const std::string& part) {
+  return std::ranges::any_of(
+      lines, [&part](const std::string& line) { return line.find(part) != std::string::npos; });
+}
+
 std::vector<std::string> TProgramTest::Calls() const {
   std::vector<std::string> calls;
   std::ranges::copy_if(Trace, std::back_inserter(calls), [](const std::string& line) {

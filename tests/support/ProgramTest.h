@@ -15,6 +15,9 @@ class TProgramTest : public TMachineTest {
   /// saw.
   std::vector<std::string> Run(TextView arguments);
 
+  /// Whether one of the lines holds this part.
+  static bool Has(const std::vector<std::string>& lines, const std::string& part);
+
   /// Registers a fresh simulator on the machine, as Run does, with an empty trace.
   void StartComponent();
 

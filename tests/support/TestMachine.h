@@ -16,6 +16,7 @@ class TMachineTest : public testing::Test {
   /// Writes a file under its Windows name, with its folders.
   static void WriteFile(TextView path, std::string_view bytes);
   static std::string ReadFile(TextView path);
+  static bool Exists(TextView path) { return std::filesystem::exists(headless::HostPath(path)); }
 };
 
 /// Resets Machine(); its disk is the folder `root`.
