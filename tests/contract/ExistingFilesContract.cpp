@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ranges>
 #include <vector>
 
 #include "platform/System.h"
@@ -26,40 +27,17 @@ TEST(ExistingFilesContract, AnswersAsSystemDoes) {
                                       u"\\\\?\\" + folder + u"\\4711",
                                       deep + u"\\tief.ipt",
                                       deep + u"\\fehlt.ipt"};
-  for (const TextView name : {u"Größe.ipt",
-                              u"GRÖSSE.IPT",
-                              u"GRÖßE.IPT",
-                              u"größe.IPT",
-                              u"Größe.ipt.",
-                              u"Größe.ipt . ",
-                              u" Größe.ipt",
-                              u"fehlt.ipt",
-                              u"Ordner.ipt",
-                              u"ordner.IPT",
-                              u"Ein langer Name.idw",
-                              u"EINLAN~1.IDW",
-                              u"~a",
-                              u"~b",
-                              u"4711",
-                              u"4711:Strom",
-                              u"4711::$DATA",
-                              u"4711\\",
-                              u"4711\\x",
-                              u"leer\\..\\4711",
-                              u".\\4711",
-                              u"..\\4711",
-                              u"leer/4711",
-                              u"leer\\4711",
-                              u"fehlt\\4711",
-                              u"*.ipt",
-                              u"Gr??e.ipt",
-                              u"NUL",
-                              u"nul.txt",
-                              u"COM1",
-                              u"Com",
-                              u"CONIN$",
-                              u"leer",
-                              u"."}) {
+  const std::vector<std::vector<TextView>> kinds = {
+      {u"Größe.ipt", u"GRÖSSE.IPT", u"GRÖßE.IPT", u"größe.IPT", u"fehlt.ipt", u"Ordner.ipt", u"ordner.IPT",
+       u"~a", u"~b"},
+      {u"Größe.ipt.", u"Größe.ipt . ", u" Größe.ipt", u"*.ipt", u"Gr??e.ipt", u"Ein langer Name.idw",
+       u"EINLAN~1.IDW"},
+      {u"4711", u"4711:Strom", u"4711::$DATA", u"4711\\", u"4711\\x", u"NUL", u"nul.txt", u"COM1", u"Com",
+       u"CONIN$"},
+      {u"leer", u".", u".\\4711", u"..\\4711", u"leer/4711", u"leer\\4711", u"leer\\..\\4711",
+       u"fehlt\\4711"},
+  };
+  for (const TextView name : std::views::join(kinds)) {
     for (const TextView separator : {u"\\", u"/", u"\\\\"}) {
       paths.push_back(UnicodeString(folder).append(separator).append(name));
     }

@@ -91,15 +91,3 @@ TEST(FileOperationsContract, IdentifiesFiles) {
   EXPECT_TRUE(SameText(ResolvedPath(folder + u"\\..\\Kennung\\c\\d"), ResolvedPath(folder) + u"\\c\\d"));
   RemoveFolder(folder, budget);
 }
-
-TEST(FileOperationsContract, OneProcessHoldsALock) {
-  const UnicodeString path = EnvironmentVariable(u"TEMP") + u"\\Sperre";
-  for (int i = 0; i < 2; ++i) {
-    const TLockFile lock(path);
-    EXPECT_TRUE(lock.IsHeld());
-    EXPECT_FALSE(TLockFile(path).IsHeld());
-    EXPECT_TRUE(FileExists(path));
-  }
-  EXPECT_FALSE(FileExists(path));
-  EXPECT_THROW(TLockFile(path + u"\\x"), EError);
-}

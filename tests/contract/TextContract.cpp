@@ -23,14 +23,6 @@ TEST(TextContract, IgnoresCaseByLocale) {
   }
 }
 
-TEST(TextContract, DecodesAnsiCodePage) {
-  EXPECT_EQ(TextFromAnsi("Gr\xF6\xDF"
-                         "e \x80 \x95"),
-            u"Größe € •");
-  EXPECT_EQ(TextFromAnsi("\xEF\xBB\xBF"), u"ï»¿");
-  EXPECT_EQ(TextFromAnsi(""), u"");
-}
-
 TEST(TextContract, ConvertsUtf8) {
   const TextView text = u"aÄ€\U0001F600";
   EXPECT_EQ(Utf8FromText(text), "a\xC3\x84\xE2\x82\xAC\xF0\x9F\x98\x80");
