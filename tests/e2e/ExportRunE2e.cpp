@@ -56,10 +56,6 @@ class TExport {
 
 class ExportRunE2e : public EndToEnd {
  protected:
-  /// The begin of the message about the staging folder.
-  std::wstring FolderRefused() const {
-    return L"Der Ordner \"" + Path(kStaging) + L"\" kann nicht für den Export verwendet werden: ";
-  }
   ExportRunE2e() {
     std::filesystem::create_directories(Path(L"Temp"));
     std::filesystem::create_directories(Path(L"Ziel"));
@@ -81,7 +77,7 @@ class ExportRunE2e : public EndToEnd {
   void ExpectExported(const TExport& run, const std::wstring& archive) const {
     EXPECT_EQ(run.Program.WaitForExit(), 0U);
     EXPECT_TRUE(std::filesystem::remove(archive));
-    EXPECT_FALSE(Exists(kStaging));
+    EXPECT_FALSE(Exists(kStaging) || Exists(kStaging + L"~Export.tmp"));
     EXPECT_EQ(Trace().back(), "alive 0");
   }
 };
@@ -185,7 +181,9 @@ TEST_F(ExportRunE2e, KilledExportLeavesNoPartialArchive) {
     WriteFile(L"Ziel\\Zweites.zip", "altes Archiv");
     const TExport second = StartExport(Path(L""), {L"groß.ipt"});
     second.ExportAs(Path(L"Ziel\\Zweites.zip"));
-    EXPECT_EQ(second.Program.TextOfClosedBox(), FolderRefused() + L"Ein anderer Export benutzt ihn gerade.");
+    EXPECT_EQ(second.Program.TextOfClosedBox(),
+              L"Der Ordner \"" + Path(kStaging) +
+                  L"\" kann nicht für den Export verwendet werden: Ein anderer Export benutzt ihn gerade.");
     EXPECT_EQ(ReadFile(L"Ziel\\Zweites.zip"), "altes Archiv");
   }
   ExpectExported(run, Path(L"Ziel\\Archiv.zip"));

@@ -7,6 +7,16 @@
 
 #include "tests/e2e/RemoteListView.h"
 
+namespace {
+
+bool HasClass(HWND window, const wchar_t* name) {
+  std::array<wchar_t, 256> found{};
+  ::GetClassNameW(window, found.data(), static_cast<int>(found.size()));
+  return std::wstring_view(found.data()) == name;
+}
+
+}  // namespace
+
 std::wstring BuiltPath(const std::wstring& file) {
   std::wstring name(32'768, L'\0');
   name.resize(::GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
@@ -29,22 +39,12 @@ std::wstring TextOf(HWND window) {
   return {text.data(), static_cast<std::size_t>(length)};
 }
 
-std::wstring ClassOf(HWND window) {
-  std::array<wchar_t, 256> name{};
-  const int length = ::GetClassNameW(window, name.data(), static_cast<int>(name.size()));
-  return {name.data(), static_cast<std::size_t>(length)};
-}
-
 std::wstring MessageOf(HWND box) {
   return TextOf(::GetDlgItem(box, 0xFFFF));
 }
 
 bool HasIcon(HWND box) {
   return ::SendMessageW(::GetDlgItem(box, 1088), STM_GETICON, 0, 0) != 0;
-}
-
-void PressOk(HWND box) {
-  ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
 }
 
 RECT BoundsOf(HWND window) {
@@ -103,7 +103,7 @@ HWND TProgram::FindOwnWindow(const wchar_t* className, const wchar_t* title) con
   for (HWND window = ::GetTopWindow(nullptr); window != nullptr; window = ::GetWindow(window, GW_HWNDNEXT)) {
     DWORD owner = 0;
     ::GetWindowThreadProcessId(window, &owner);
-    if (owner == fId && ClassOf(window) == className && ::IsWindowVisible(window) &&
+    if (owner == fId && HasClass(window, className) && ::IsWindowVisible(window) &&
         (title == nullptr || TextOf(window) == title)) {
       return window;
     }
@@ -120,7 +120,7 @@ HWND TProgram::VisibleWindow(const wchar_t* className, const wchar_t* title) con
 std::wstring TProgram::TextOfClosedBox() const {
   const HWND box = MessageBox();
   std::wstring text = MessageOf(box);
-  PressOk(box);
+  ::PostMessageW(::FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
   EXPECT_TRUE(WaitUntil([box] { return !::IsWindow(box); }));
   return text;
 }
@@ -181,10 +181,6 @@ std::string EndToEnd::ReadFile(const std::wstring& name) const {
 
 bool EndToEnd::Exists(const std::wstring& name) const {
   return std::filesystem::exists(Path(name));
-}
-
-void EndToEnd::CopySample(const std::wstring& name) const {
-  std::filesystem::copy(BuiltPath(L"samples\\" + name), Path(name), std::filesystem::copy_options::recursive);
 }
 
 TProgram::TEnvironment EndToEnd::Environment(TProgram::TEnvironment more) const {

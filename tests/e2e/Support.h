@@ -20,13 +20,10 @@ std::wstring BuiltPath(const std::wstring& file);
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 20'000);
 
 std::wstring TextOf(HWND window);
-std::wstring ClassOf(HWND window);
 /// What a message box says.
 std::wstring MessageOf(HWND box);
 /// A message box has the control for its icon in any case; without an icon it is empty.
 bool HasIcon(HWND box);
-/// Presses a message box's only button.
-void PressOk(HWND box);
 RECT BoundsOf(HWND window);
 bool SameRect(const RECT& a, const RECT& b);
 
@@ -118,8 +115,6 @@ class EndToEnd : public testing::Test {
   void WriteFile(const std::wstring& name, const std::string& bytes) const;
   std::string ReadFile(const std::wstring& name) const;
   bool Exists(const std::wstring& name) const;
-  /// Copies a file or folder of the sample documents.
-  void CopySample(const std::wstring& name) const;
 
   /// Environment of a run in this folder: settings below AppData, the simulator's trace in trace.txt.
   TProgram::TEnvironment Environment(TProgram::TEnvironment more = {}) const;

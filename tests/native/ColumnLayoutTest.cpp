@@ -4,6 +4,12 @@
 
 #include <vector>
 
+TEST(ColumnLayoutTest, FillsTheWidth) {
+  EXPECT_EQ(DivideWidth(std::vector{1, 1, 1}, 100), (std::vector{33, 34, 33}));
+  EXPECT_EQ(DivideWidth(std::vector{0, 0}, 10), (std::vector{5, 5}));
+  EXPECT_EQ(DivideWidth(std::vector{50, 50}, -3), (std::vector{0, 0}));
+}
+
 TEST(ColumnLayoutTest, ResizedColumnTakesFromOthers) {
   const struct {
     std::size_t Column;
