@@ -90,18 +90,6 @@ TEST_F(DispatchContract, ErrorsCarryDescriptionOrSystemText) {
   EXPECT_EQ(ErrorOf(callNothing).Code(), kTypeMismatch);
 }
 
-TEST_F(DispatchContract, ObjectsAreReferenceCounted) {
-  const std::weak_ptr<TTarget> watched = target;
-  EXPECT_EQ(TargetOf(Echo(TVariant::Object(object)).AsObject()), target);
-  EXPECT_EQ(TargetOf(Echo(TVariant::Unknown(object)).AsObject()), target);
-  TDispatch copy = object;
-  target.reset();
-  object = TDispatch();
-  EXPECT_FALSE(watched.expired());
-  copy = TDispatch();
-  EXPECT_TRUE(watched.expired());
-}
-
 TEST_F(DispatchContract, RejectsUnknownClass) {
   const TComApartment apartment;
   constexpr TGuid kNobody{0x2B1C3D4E, 0x5F60, 0x4172, {0x83, 0x94, 0xA5, 0xB6, 0xC7, 0xD8, 0xE9, 0xFA}};

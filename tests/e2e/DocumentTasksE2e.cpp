@@ -129,7 +129,10 @@ TEST_F(DocumentTasksE2e, RefusesOldDrawingInABox) {
             L"Für diesen Befehl muss die IDW Datei vorher mit Inventor Migriert werden.");
   EXPECT_EQ(program.WaitForExit(), 0U);
   EXPECT_EQ(ReadFile(L"alt.idw"), before);
-  EXPECT_EQ(Trace().back(), "alive 0");
+  EXPECT_TRUE(
+      TraceText().ends_with("NeedsMigration = 1\ndocument.CloseDocument()\nserver.CloseServer()\n"
+                            "document.Release\nserver.Release\nalive 0\n"))
+      << TraceText();
 }
 
 TEST_F(DocumentTasksE2e, RemovesHintOfDocumentWithUnusualName) {

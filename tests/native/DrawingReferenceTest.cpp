@@ -10,22 +10,12 @@ namespace {
 
 constexpr TextView kDrawing = u"D:\\Projekt\\Teil 4711.idw";
 constexpr TextView kRun = u"/R \"D:\\Projekt\\Teil 4711.idw\"";
-const std::string kMigrationText =
-    "Für diesen Befehl muss die IDW Datei vorher mit Inventor Migriert werden.";
 
 std::string DrawingWith(const std::string& references) {
   return DocumentWith("", "\"references\": [" + references + "],");
 }
 
-class DrawingReferenceTest : public TProgramTest {
- protected:
-  static std::vector<std::string> References() {
-    std::vector<std::string> files;
-    const TDocumentFile document = simulator::ParseDocument(ReadFile(kDrawing));
-    for (const TReferenceData& reference : document.References) files.push_back(Utf8FromText(reference.File));
-    return files;
-  }
-};
+class DrawingReferenceTest : public TProgramTest {};
 
 }  // namespace
 
@@ -33,24 +23,14 @@ TEST_F(DrawingReferenceTest, PointsEveryReferenceBesideTheDrawing) {
   WriteFile(kDrawing,
             DrawingWith(R"("X:\\Alt\\Irgendwas.ipt", "Baugruppe.iam", "X:\\V1.2\\Rohling", "a.b.ipt")"));
   const auto log = Run(kRun);
-  EXPECT_EQ(References(),
-            (std::vector<std::string>{"D:\\Projekt\\Teil 4711.ipt", "D:\\Projekt\\Teil 4711.iam",
-                                      "D:\\Projekt\\Teil 4711", "D:\\Projekt\\Teil 4711.ipt"}));
+  std::vector<std::string> files;
+  const TDocumentFile document = simulator::ParseDocument(ReadFile(kDrawing));
+  for (const TReferenceData& reference : document.References) files.push_back(Utf8FromText(reference.File));
+  EXPECT_EQ(files, (std::vector<std::string>{"D:\\Projekt\\Teil 4711.ipt", "D:\\Projekt\\Teil 4711.iam",
+                                             "D:\\Projekt\\Teil 4711", "D:\\Projekt\\Teil 4711.ipt"}));
   EXPECT_EQ(log.at(3), "0 text \"IDW Referenz geändert.\"") << "painted by the message loop";
   EXPECT_EQ(log.at(4), "1500 quit");
   WriteFile(kDrawing, DrawingWith(""));
   EXPECT_EQ(Run(kRun).at(4), "1500 quit") << "it is saved even without references";
   EXPECT_EQ(Calls().at(3) + Calls().at(4), "referencedfiles.Count = 0server.SaveSet");
-}
-
-TEST_F(DrawingReferenceTest, ClosesAfterRefusingAnOldDrawing) {
-  WriteFile(kDrawing, DocumentWith("", R"("needsMigration": 1, "references": ["a.ipt"],)"));
-  headless::Machine().PressOkAfter = {100};
-  const auto log = Run(kRun);
-  EXPECT_EQ(log.at(3), "0 plain box \"Velmora\": " + kMigrationText);
-  EXPECT_EQ(log.back(), "100 quit");
-  EXPECT_EQ(Calls().at(2) + Calls().at(3), "document.CloseDocument()server.CloseServer()");
-  EXPECT_EQ(References(), std::vector<std::string>{"a.ipt"});
-  EXPECT_EQ(Run(kRun).back(), "3600 quit") << "the timer ends the box that nobody closes";
-  EXPECT_EQ(LiveObjects(), 0);
 }

@@ -90,6 +90,7 @@ TEST_F(TreeListTest, CursorFollowsCurrentRow) {
   TScreen::Toggle(0);
   EXPECT_EQ(fQuery.Row(), 3U) << "another branch was closed";
   TScreen::Type(u"na");
+  EXPECT_EQ(TScreen::Lines().size(), 4U) << "all that hid the row is open";
   fList.FullCollapse();
   EXPECT_EQ(fQuery.Row(), 0U);
   fQuery.First();
