@@ -97,7 +97,7 @@ TDataEstimate::TResult TDataEstimate::Judge(TBytes unit) {
   if (unit.empty()) return result;
   const TCounts counts = CountBytes(unit, kSparse);
   result.Savings = static_cast<std::size_t>(HuffmanSavings(counts, unit.size()));
-  result.IsText = Sum(counts, ' ', '~') > Sum(counts, 0, 255) / 8 * 7;
+  result.IsText = Sum(counts, ' ', '~') + Sum(counts, '\t', '\r') > Sum(counts, 0, 255) / 8 * 7;
   for (std::uint32_t begin = 0; begin < unit.size(); begin += kPart) {
     const TBytes part = unit.subspan(begin, std::min<std::size_t>(kPart, unit.size() - begin));
     const std::uint32_t distance = RepeatDistance(part.first(std::min(kProbe, part.size())));

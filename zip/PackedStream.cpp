@@ -30,9 +30,10 @@ constexpr int kMaxMatch = 258;
 /// In texts the short matches that the filtered strategy refuses cost more than they save. Few candidates for
 /// each match, but always a look whether the next position has a longer one: of all settings that take this
 /// time, these give the smallest archives.
-constexpr TSearch kTextSearch{6, Z_FILTERED, kMaxMatch, kMaxMatch, kMaxMatch, 1};
-/// Small files are worth more candidates; at a file's start there are not many yet.
-constexpr TSearch kFirstTextSearch{6, Z_FILTERED, 4, 8, 64, 32};
+constexpr TSearch kTextSearch{6, Z_FILTERED, kMaxMatch, kMaxMatch, kMaxMatch, 2};
+/// Small files are worth more candidates; at a file's start there are not many yet. Only where the match is
+/// of the least length that the strategy takes, there is a look for a longer one.
+constexpr TSearch kFirstTextSearch{6, Z_FILTERED, 4, 7, 32, 32};
 /// The fast method, with more candidates than it has by itself.
 constexpr TSearch kBinarySearch{3, Z_DEFAULT_STRATEGY, 8, 16, 32, 8};
 
