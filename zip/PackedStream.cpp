@@ -77,6 +77,7 @@ void TPackedStream::Begin() {
   ::deflateReset(fStream.get());
   fEstimate.Reset();
   fKind = TKind::Stored;
+  fTrialHuffmanSize = 0;
   fIsFirstBlock = true;
   fHistory = 0;
 }
@@ -94,12 +95,15 @@ void TPackedStream::Pack(std::size_t count) {
   for (std::size_t i = 0; i < count; i += TDataEstimate::kUnitSize) {
     const TBytes unit = block.subspan(i, std::min(TDataEstimate::kUnitSize, count - i));
     const TDataEstimate::TResult estimate = fEstimate.Judge(unit);
-    if (fTrialHuffmanSize > 0) {
+    TKind kind = KindOf(unit, estimate);
+    const std::size_t trial = std::exchange(fTrialHuffmanSize, 0);
+    if (trial > 0 && kind == TKind::Search && !estimate.HasRepeats) {
+      // Only such a unit needs to know what came of it: to find out costs a block with code tables.
       PackRun(block.subspan(begin, i - begin));
       begin = i;
-      EndTrial();
+      EndTrial(trial);
+      kind = KindOf(unit, estimate);
     }
-    const TKind kind = KindOf(unit, estimate);
     const bool followsRepeats = std::exchange(hasRepeats, estimate.HasRepeats);
     if (kind == fKind) continue;
     // On either side of stored data only what is worth it is compressed.
@@ -146,7 +150,6 @@ void TPackedStream::Switch(TKind kind) {
   // new search it forgets what the dictionary is about to give it once more.
   if (IsCompressed(fKind)) Deflate({}, kind == TKind::Huffman ? Z_BLOCK : Z_FULL_FLUSH);
   if (kind == TKind::Huffman) ::deflateParams(fStream.get(), kTextSearch.Level, Z_HUFFMAN_ONLY);
-  fTrialHuffmanSize = 0;
   fKind = kind;
 }
 
@@ -169,11 +172,10 @@ void TPackedStream::TuneSearch() {
 }
 
 /// Compares what the search made of its first unit with what Huffman codes alone would have.
-void TPackedStream::EndTrial() {
+void TPackedStream::EndTrial(std::size_t huffmanSize) {
   Deflate({}, Z_BLOCK);
   const std::size_t size = fStream->total_out - fTrialBegin;
-  fSearchFails = size * 100 > fTrialHuffmanSize * 97;
-  fTrialHuffmanSize = 0;
+  fSearchFails = size * 100 > huffmanSize * 97;
 }
 
 void TPackedStream::KeepHistory(std::size_t count) {

@@ -48,7 +48,7 @@ class TPackedStream {
   void Switch(TKind kind);
   void BeginSearch(std::size_t position, const TDataEstimate::TResult& estimate);
   void TuneSearch();
-  void EndTrial();
+  void EndTrial(std::size_t huffmanSize);
   void KeepHistory(std::size_t count);
   void Store(TBytes run);
   void StoreByteRun(TBytes run);
