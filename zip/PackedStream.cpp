@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <new>
+#include <string_view>
 #include <utility>
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -37,23 +40,9 @@ constexpr TSearch kFirstTextSearch{6, Z_FILTERED, 4, 7, 32, 32};
 /// The fast method, with more candidates than it has by itself.
 constexpr TSearch kBinarySearch{3, Z_DEFAULT_STRATEGY, 8, 16, 32, 8};
 
-/// The Deflate data of a unit of one byte value: whole blocks, which refer to nothing before them.
-std::string PackedByteRun(unsigned char value) {
-  std::vector<unsigned char> unit(TDataEstimate::kUnitSize, value);
-  std::string packed(TDataEstimate::kUnitSize, '\0');
-  z_stream stream{};
-  if (::deflateInit2(&stream, 6, Z_DEFLATED, kRawDeflate, kMemory, Z_DEFAULT_STRATEGY) != Z_OK) {
-    throw std::bad_alloc();
-  }
-  stream.next_in = unit.data();
-  stream.avail_in = static_cast<uInt>(unit.size());
-  stream.next_out = reinterpret_cast<unsigned char*>(packed.data());
-  stream.avail_out = static_cast<uInt>(packed.size());
-  ::deflate(&stream, Z_FULL_FLUSH);
-  packed.resize(stream.total_out);
-  ::deflateEnd(&stream);
-  return packed;
-}
+/// The Deflate data of a unit of zeros: whole blocks, which refer to nothing before them.
+constexpr std::string_view kZeroUnit =
+    "\xec\xc1\x01\x0d\0\0\0\xc2\xa0\xf7\x4f\x6d\x0f\x07\x14\0\0\0\xf0\x6e\0\0\0\xff\xff"sv;
 
 }  // namespace
 
@@ -127,7 +116,9 @@ void TPackedStream::Pack(std::size_t count) {
 }
 
 TPackedStream::TKind TPackedStream::KindOf(TBytes unit, const TDataEstimate::TResult& estimate) const {
-  if (unit.size() == TDataEstimate::kUnitSize && TDataEstimate::IsByteRun(unit)) return TKind::ByteRun;
+  if (unit.size() == TDataEstimate::kUnitSize && unit.front() == 0 && TDataEstimate::IsByteRun(unit)) {
+    return TKind::Zeros;
+  }
   if (estimate.Savings < kWorthPacking) return TKind::Stored;
   return fSearchFails && !estimate.HasRepeats ? TKind::Huffman : TKind::Search;
 }
@@ -137,8 +128,8 @@ void TPackedStream::PackRun(TBytes run) {
   switch (fKind) {
     case TKind::Stored:
       return Store(run);
-    case TKind::ByteRun:
-      return StoreByteRun(run);
+    case TKind::Zeros:
+      return StoreZeros(run.size());
     case TKind::Huffman:
     case TKind::Search:
       return Deflate(run, Z_NO_FLUSH);
@@ -197,13 +188,8 @@ void TPackedStream::Store(TBytes run) {
   }
 }
 
-void TPackedStream::StoreByteRun(TBytes run) {
-  // Each unit has one value, but the next unit's may be another one.
-  for (std::size_t i = 0; i < run.size(); i += TDataEstimate::kUnitSize) {
-    std::string& packed = fByteRuns[run[i]];
-    if (packed.empty()) packed = PackedByteRun(run[i]);
-    fTarget.Write(packed);
-  }
+void TPackedStream::StoreZeros(std::size_t count) {
+  for (std::size_t i = 0; i < count; i += TDataEstimate::kUnitSize) fTarget.Write(kZeroUnit);
 }
 
 void TPackedStream::Deflate(TBytes run, int flush) {

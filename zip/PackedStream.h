@@ -1,10 +1,8 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <memory>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "zip/ArchiveFile.h"
@@ -33,7 +31,7 @@ class TPackedStream {
   /// What is done with a unit of the data.
   enum class TKind {
     Stored,   ///< written as it is
-    ByteRun,  ///< of one byte value only: written as Deflate data made once
+    Zeros,    ///< zeros only: written as Deflate data made beforehand
     Huffman,  ///< compressed without a search for repeats
     Search,   ///< compressed
   };
@@ -51,7 +49,7 @@ class TPackedStream {
   void EndTrial(std::size_t huffmanSize);
   void KeepHistory(std::size_t count);
   void Store(TBytes run);
-  void StoreByteRun(TBytes run);
+  void StoreZeros(std::size_t count);
   void Deflate(TBytes run, int flush);
 
   TArchiveFile& fTarget;
@@ -64,7 +62,6 @@ class TPackedStream {
   std::size_t fTrialBegin = 0;        // in the stream's output
   std::size_t fTrialHuffmanSize = 0;  // of the unit; 0: no trial
   bool fSearchFails = false;
-  std::array<std::string, 256> fByteRuns;  // the Deflate data of a unit of each byte value, once it is needed
-  std::vector<unsigned char> fBuffer;      // the window before the block, then the block
-  std::size_t fHistory = 0;                // how much of the window is filled, up to the block
+  std::vector<unsigned char> fBuffer;  // the window before the block, then the block
+  std::size_t fHistory = 0;            // how much of the window is filled, up to the block
 };
