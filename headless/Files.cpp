@@ -153,7 +153,7 @@ TListingEnd ListNames(TextView folder, const std::function<bool(TextView, TEntry
   if (Fails("ListNames")) return TListingEnd::Refused;
   bool stopped = false;
   const int error = Search(folder, [&](DIR*, const dirent& entry) {
-    stopped = !onName(TextFromUtf8(entry.d_name), KindOf(DTTOIF(entry.d_type)));
+    stopped = !onName(TextFromUtf8(entry.d_name), KindOf(static_cast<unsigned>(DTTOIF(entry.d_type))));
     return !stopped;
   });
   if (error == ENOENT || error == ENOTDIR) return TListingEnd::NoFolder;

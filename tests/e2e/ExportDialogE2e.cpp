@@ -167,6 +167,7 @@ TEST_F(ExportDialogE2e, ColumnsFollowDividers) {
   EXPECT_EQ(list.RowCount(), std::size_t{kLevels}) << "another column's ground closes no branch";
 
   const auto header = reinterpret_cast<HWND>(::SendMessageW(dialog.List(), LVM_GETHEADER, 0, 0));
+  EXPECT_EQ(::GetWindowLongPtrW(header, GWL_STYLE) & HDS_BUTTONS, 0) << "no header looks clickable";
   const auto mouse = [&](UINT message, int x) {
     ::SendMessageW(header, message, MK_LBUTTON, MAKELPARAM(x, 8));
   };

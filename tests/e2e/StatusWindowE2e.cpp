@@ -108,3 +108,23 @@ TEST_F(StatusWindowE2e, UnknownSwitchShowsEmptyWindow) {
   EXPECT_EQ(program.WaitForExit(), 0U);
   EXPECT_TRUE(Trace().empty());
 }
+
+TEST_F(StatusWindowE2e, BevelsStayClearOfTheScaledLabel) {
+  const TScaling scaling(144);
+  const TProgram program(L"/p", Environment());
+  const HWND form = program.StatusWindow();
+  ASSERT_NE(form, nullptr);
+  const RECT bounds = BoundsOf(form);
+  auto widthOf = [x = bounds.left, y = (bounds.top + bounds.bottom) / 2](int colour) mutable {
+    const HDC screen = ::GetDC(nullptr);
+    int width = 0;
+    for (; ::GetPixel(screen, x, y) == ::GetSysColor(colour); ++x) ++width;
+    ::ReleaseDC(nullptr, screen);
+    return width;
+  };
+  int outer = 0;
+  EXPECT_TRUE(WaitUntil([&] { return (outer = widthOf(COLOR_BTNSHADOW)) > 0; }));
+  EXPECT_EQ(widthOf(COLOR_BTNHIGHLIGHT), outer) << "the label covers nothing of the inner one";
+  ::PostMessageW(form, WM_CLOSE, 0, 0);
+  EXPECT_EQ(program.WaitForExit(), 0U);
+}

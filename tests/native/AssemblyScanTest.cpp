@@ -6,6 +6,7 @@
 #include "database/Session.h"
 #include "export/AssemblyScan.h"
 #include "export/WorkingTable.h"
+#include "platform/Path.h"
 #include "tests/support/ProgramTest.h"
 
 namespace {
@@ -152,4 +153,22 @@ TEST_F(AssemblyScanTest, FaultsKeepEnteredRows) {
   WriteTree({{"k.iam", {"ohne", "a.ipt"}}});
   EXPECT_NE(Scan("k.iam"), u"");
   EXPECT_EQ(Rows(), (TLines{"1<-1 94 2 k.iam", "2<1 94 1 ohne"}));
+}
+
+TEST_F(AssemblyScanTest, DepthHasNoLimit) {
+  constexpr int kDepth = 10'000;
+  const auto load = [](const UnicodeString& path) {
+    const int level = std::stoi(Utf8FromText(FileNameWithoutFolder(path)));
+    return level == kDepth ? "{}" : R"({"references": [")" + std::to_string(level + 1) + ".iam\"]}";
+  };
+  TSimulator simulator({load, {}}, {});
+  headless::Machine().CreateInstance = [&](const TGuid&, const TGuid&) { return simulator.CreateServer(); };
+  CreateWorkingTable(fQuery, u"PC-01");
+  TExistingFiles files;
+  TAssemblyScan scan(fQuery, files);
+  scan.OnRootOpened = [](const UnicodeString&) {};
+  scan.OnLevelScanned = [] {};
+  scan.FirstOpenAssembly(u"C:\\P\\1.iam");
+  EXPECT_EQ(fQuery.RowCount(), kDepth);
+  EXPECT_EQ(simulator.LiveObjects(), 0);
 }
