@@ -25,7 +25,7 @@ class TTimer {
   void SetInterval(int milliseconds) { fInterval = milliseconds; }
 
  private:
-  const TForm& fForm;
+  [[maybe_unused]] const TForm& fForm;  // the headless back end's timers have no window
   int fInterval;
   std::uintptr_t fId = 0;  // 0: disabled; none is used twice, so that a late message of an old one is known
 };

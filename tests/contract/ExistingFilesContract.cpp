@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ranges>
 #include <vector>
 
 #include "platform/System.h"
@@ -37,9 +36,11 @@ TEST(ExistingFilesContract, AnswersAsSystemDoes) {
       {u"leer", u".", u".\\4711", u"..\\4711", u"leer/4711", u"leer\\4711", u"leer\\..\\4711",
        u"fehlt\\4711"},
   };
-  for (const TextView name : std::views::join(kinds)) {
-    for (const TextView separator : {u"\\", u"/", u"\\\\"}) {
-      paths.push_back(UnicodeString(folder).append(separator).append(name));
+  for (const auto& names : kinds) {
+    for (const TextView name : names) {
+      for (const TextView separator : {u"\\", u"/", u"\\\\"}) {
+        paths.push_back(UnicodeString(folder).append(separator).append(name));
+      }
     }
   }
   TExistingFiles files;

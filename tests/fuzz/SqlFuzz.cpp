@@ -47,7 +47,8 @@ bool Run(TQuery& query, const UnicodeString& sql, bool open = true) {
 }
 
 bool Contains(std::string_view sql, std::string_view word) {
-  return !std::ranges::search(sql, word, [](char a, char b) { return (a | 0x20) == (b | 0x20); }).empty();
+  const auto isSame = [](char a, char b) { return (a | 0x20) == (b | 0x20); };
+  return std::search(sql.begin(), sql.end(), word.begin(), word.end(), isSame) != sql.end();
 }
 
 /// Without names to rewrite a script stays as it is, and a rewritten one has none left.

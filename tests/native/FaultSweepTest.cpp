@@ -144,7 +144,7 @@ TEST_F(FaultSweepTest, NothingIsLostWhateverFails) {
           TSqlMemory::FailAt = n;
           if (n != 0) TSqlMemory::Failed = false;
         },
-        [this] {
+        [] {
           // The engine gets over some of them; no row may be lost without a word.
           EXPECT_TRUE(!TSqlMemory::Failed || Has(Machine().Log, "error box") || ArchiveIsComplete());
           return TSqlMemory::Failed;
