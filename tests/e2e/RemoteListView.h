@@ -62,7 +62,7 @@ class TRemoteListView {
   std::wstring Text(std::size_t row, int column) const {
     LVITEMW item{};
     item.iSubItem = column;
-    item.pszText = reinterpret_cast<wchar_t*>(fItem.Address() + sizeof item);
+    item.pszText = reinterpret_cast<wchar_t*>(fItem.Address() + LPARAM{sizeof item});
     item.cchTextMax = kLength;
     fItem.Write(&item, sizeof item);
     ::SendMessageW(fList, LVM_GETITEMTEXTW, row, fItem.Address());
