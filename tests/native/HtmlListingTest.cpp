@@ -47,10 +47,10 @@ TEST(HtmlListingTest, ShowsLevelsKindsAndMissingFiles) {
         "</svg>Pumpe<td>C:\\p.iam\n<tr style=--l:2><td>2<th scope=row>",
         "aria-label=\"Bauteil, Ebene 3\"><use href=#part /></svg>Deckel<td>C:\\d.ipt<strong>",
         "Datei nicht gefunden!</strong>\n<tr style=--l:1><td>3",
-        "aria-label=\"Zeichnung, Ebene 2\"><use href=#drawing /></svg>Bl\uFFFDtt "
-        "\U0001F529<td>C:\\b.idw<strong>",
-        "Datei konnte nicht kopiert werden!</strong>\n", "<symbol id=\"part\" viewBox=\"0 0 64 64\"><path ",
-        "<symbol id=\"assembly\"", "<symbol id=\"drawing\"", "<symbol id=\"warning\""}},
+        "aria-label=\"Zeichnung, Ebene 2\"><use href=#drawing /></svg>Bl",
+        "</svg>Bl\uFFFDtt \U0001F529<td>C:\\b.idw<strong>", "Datei konnte nicht kopiert werden!</strong>\n",
+        "<symbol id=\"part\" viewBox=\"0 0 64 64\"><path ", "<symbol id=\"assembly\"",
+        "<symbol id=\"drawing\"", "<symbol id=\"warning\""}},
       {std::vector(1001, part), {">1001 Bauteile\n", ">1001 Dateien fehlen<"}},
   };
   for (const auto& test : cases) {
