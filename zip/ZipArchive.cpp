@@ -14,32 +14,19 @@
 
 namespace {
 
-bool IsHigh(char16_t unit) {
-  return unit >= 0xD800 && unit < 0xDC00;
-}
-
-bool IsLow(char16_t unit) {
-  return unit >= 0xDC00 && unit < 0xE000;
-}
-
 /// In UTF-8, which cannot hold unpaired surrogates. Each becomes the replacement character and its number, as
 /// does that character itself, so that different names stay different.
 std::string EntryName(TextView name) {
-  constexpr char16_t kReplacement = 0xFFFD;
-  constexpr TextView kDigits = u"0123456789ABCDEF";
-  UnicodeString text;
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    const char16_t unit = name[i];
-    const bool isPaired = (IsHigh(unit) && i + 1 < name.size() && IsLow(name[i + 1])) ||
-                          (IsLow(unit) && i > 0 && IsHigh(name[i - 1]));
-    if (unit == kReplacement || ((IsHigh(unit) || IsLow(unit)) && !isPaired)) {
-      text += kReplacement;
-      for (const int shift : {12, 8, 4, 0}) text += kDigits[unit >> shift & 0xF];
-    } else {
-      text += unit == u'\\' ? u'/' : unit;
-    }
+  constexpr char32_t kReplacement = 0xFFFD;
+  std::string entry;
+  for (std::size_t at = 0; at < name.size();) {
+    const char16_t unit = name[at];
+    const char32_t codePoint = NextCodePoint(name, at);
+    AppendUtf8(entry, codePoint == U'\\' ? U'/' : codePoint);
+    if (codePoint != kReplacement) continue;
+    for (const int shift : {12, 8, 4, 0}) entry += "0123456789ABCDEF"[unit >> shift & 0xF];
   }
-  return Utf8FromText(text);
+  return entry;
 }
 
 /// An upper bound for the packed size of this many bytes: whatever kind it is of, no unit grows by a
