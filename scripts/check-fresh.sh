@@ -22,7 +22,6 @@ done
 [ "$(id -u)" -eq 0 ] || { echo "check-fresh.sh: only root can make a Debian" >&2; exit 1; }
 "$root/scripts/packages.sh" fresh
 debian=$root/build/fresh/$name
-home=$debian/home/neu
 
 say() {
     echo "check-fresh.sh: $*"
@@ -58,7 +57,7 @@ packages() {
 
 # The machine's own way to packages, whatever it is: sources, settings, keys, certificates.
 copySettings() {
-    local from file
+    local from
     # shellcheck disable=SC1091
     from=$(. /etc/os-release && echo "$VERSION_CODENAME")
     rm -rf "$debian/etc/apt"
@@ -73,9 +72,19 @@ copySettings() {
     [ ! -d /usr/local/share/ca-certificates ] ||
         cp -a /usr/local/share/ca-certificates/. "$debian/usr/local/share/ca-certificates/"
     cp -L /etc/resolv.conf /etc/hosts "$debian/etc/"
+}
+
+# makeUser: the new user, where Debian puts one, with this machine's settings of npm and a clean clone.
+makeUser() {
+    local file home
+    inDebian useradd --create-home --shell /bin/bash neu
+    home=$debian$(awk -F: '$1 == "neu" { print $6 }' "$debian/etc/passwd")
+    echo 'neu ALL=(ALL) NOPASSWD: ALL' >"$debian/etc/sudoers.d/neu"
     for file in "$(npm config get globalconfig 2>/dev/null)" "$(npm config get userconfig 2>/dev/null)"; do
         [ ! -f "$file" ] || cat "$file" >>"$home/.npmrc"
     done
+    git clone -q --no-hardlinks "$root" "$home/VelmoraInventor"
+    inDebian chown -R neu: "${home#"$debian"}"
 }
 
 makeDebian() {
@@ -87,15 +96,11 @@ makeDebian() {
     mkdir -p "$debian"
     debootstrap --variant=minbase "$name" "$debian" "$site" >"$debian.log" 2>&1 ||
         { tail "$debian.log" >&2; exit 1; }
-    mkdir -p "$home"
     copySettings
     # What a user has who has cloned a repository.
     inDebian apt-get update -qq
     inDebian apt-get install -y -qq --no-install-recommends git sudo ca-certificates >>"$debian.log" 2>&1
-    inDebian useradd --home-dir /home/neu --shell /bin/bash neu
-    echo 'neu ALL=(ALL) NOPASSWD: ALL' >"$debian/etc/sudoers.d/neu"
-    git clone -q --no-hardlinks "$root" "$home/VelmoraInventor"
-    inDebian chown -R neu: /home/neu
+    makeUser
 }
 
 # timed WHAT COMMAND...: says how long it took.

@@ -69,11 +69,13 @@ endSession() {
     removeSocket
 }
 
-# Debian's Wine server leaves the folder of its socket behind: in /tmp, named in the prefix, or below /run/user.
+# Debian's Wine server leaves the folder of its socket behind: in the system's temporary folder (TMPDIR is
+# unset here), named in the prefix, or below /run/user.
 removeSocket() {
-    local name="" device inode
+    local name="" temporary device inode
+    temporary=$(dirname "$(mktemp -u)")
     [ ! -s "$prefix/wineserver" ] || name=$(<"$prefix/wineserver")
-    [[ $name != wine-* ]] || rm -rf "/tmp/$name"
+    [[ $name != wine-* ]] || rm -rf "${temporary:?}/$name"
     rm -f "$prefix/wineserver"
     read -r device inode < <(stat -c '%D %i' "$prefix")
     rm -rf "/run/user/$(id -u)/wine/server-$device-$(printf %x "$inode")"
