@@ -44,6 +44,7 @@ kForeign = {
     r"sqlite3\.h": r"(database|tests|benchmarks)/",
     r"zlib\.h": r"(zip|tests|benchmarks)/",
     r"g(test|mock)/.*": r"tests/",
+    r"\w*intrin\.h": r"zip/",  # the processor's instructions
     r"benchmark/.*": r"benchmarks/",
     r"(sys|netinet)/.*|(dirent|fcntl|malloc|poll|signal|spawn|unistd)\.h": r"(headless|tests|benchmarks|scripts)/",
     r".*\.h": r"(platform|ui|benchmarks)/windows/|simulator/com/|tests/e2e/|scripts/demo/",  # Windows

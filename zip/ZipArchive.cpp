@@ -1,7 +1,5 @@
 #include "zip/ZipArchive.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <span>
 #include <string>
@@ -9,6 +7,7 @@
 #include <vector>
 
 #include "zip/ArchiveFile.h"
+#include "zip/Checksum.h"
 #include "zip/PackedStream.h"
 #include "zip/ZipRecords.h"
 
@@ -62,8 +61,7 @@ void TZipArchive::TImpl::Pack(TInputFile& input, TZipEntry& entry, std::uint64_t
     const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(limit - entry.Size, room.size()));
     const std::size_t count = input.Read(room.first(most));
     if (count == 0) break;
-    const auto* bytes = reinterpret_cast<const unsigned char*>(room.data());
-    entry.Crc = static_cast<std::uint32_t>(::crc32_z(entry.Crc, bytes, count));
+    entry.Crc = Checksum(entry.Crc, {reinterpret_cast<const unsigned char*>(room.data()), count});
     entry.Size += count;
     Stream.Pack(count);
     if (OnBlock) OnBlock();

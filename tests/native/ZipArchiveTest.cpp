@@ -1,6 +1,7 @@
 #include "zip/ZipArchive.h"
 
 #include <sys/resource.h>
+#include <zlib.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 #include "tests/support/PackedData.h"
 #include "tests/support/TestMachine.h"
 #include "zip/ArchiveFile.h"
+#include "zip/Checksum.h"
 #include "zip/ZipRecords.h"
 
 namespace {
@@ -67,6 +69,16 @@ TEST_F(ZipArchiveTest, PackedStreamsRoundTrip) {
       EXPECT_TRUE(Unpacked(packed, data.size()) == data);
       if (block < 61'440) continue;
       EXPECT_LE(packed.size(), test.Most);
+    }
+  }
+}
+
+TEST(ChecksumTest, EqualsZlibs) {
+  const std::string data = Data({{'r', 5000}});
+  const std::span bytes(reinterpret_cast<const unsigned char*>(data.data()), data.size());
+  for (const std::size_t size : {0U, 1U, 15U, 16U, 63U, 64U, 65U, 79U, 80U, 127U, 128U, 143U, 4097U}) {
+    for (const std::uint32_t before : {0U, 1U, 0xFFFFFFFFU}) {
+      EXPECT_EQ(Checksum(before, bytes.subspan(3, size)), ::crc32_z(before, &bytes[3], size)) << size;
     }
   }
 }
