@@ -7,21 +7,28 @@
 namespace {
 
 using TBytes = std::span<const unsigned char>;
-using TCounts = std::array<std::uint32_t, 256>;
+using TCounts = std::array<std::uint16_t, 256>;  // of at most a unit
 
 // A unit is looked at part by part: whether the first bytes of each repeat something that was marked before.
-constexpr std::uint32_t kPart = 512;
-constexpr std::size_t kMarkSpacing = 16;
+constexpr std::uint32_t kPart = 1024;
+constexpr std::size_t kMarkSpacing = 32;
 /// Shorter repeats are chance in data of few byte values, and seldom worth a search.
 constexpr std::size_t kRepeatSize = sizeof(std::uint64_t);
 /// So long that a repeat that covers it cannot slip between two marks.
 constexpr std::size_t kProbe = kMarkSpacing + kRepeatSize - 1;
 constexpr std::uint32_t kReach = 32'768 - 262;  // zlib looks back no farther
 
-// Bytes are counted in groups. A quarter of them says enough about a unit; the distance of the groups is odd,
+// Bytes are counted in groups. An eighth of them says enough about a unit; the distance of the groups is odd,
 // so that no column of a table of numbers is left out.
 constexpr std::size_t kGroup = 16;
-constexpr std::size_t kSparse = 61;
+constexpr std::size_t kSparse = 125;
+
+/// The incompressible bytes at either side of a unit are found in pieces of this size.
+constexpr std::size_t kPiece = 512;
+
+/// Shorter runs of zeros are not worth leaving stored data for, nor a table of codes for what is between
+/// them.
+constexpr std::size_t kLongRun = 128;
 
 template <class T>
 T ValueAt(const unsigned char* bytes) noexcept {
@@ -32,25 +39,27 @@ T ValueAt(const unsigned char* bytes) noexcept {
 
 /// How often each value is among the bytes of the groups, which begin `step` bytes apart.
 TCounts CountBytes(TBytes data, std::size_t step) noexcept {
-  // Four tables: with one, a run of equal bytes makes every step wait for the one before.
-  std::array<std::array<std::uint16_t, 256>, 4> counts{};
+  TCounts counts{};
   for (std::size_t begin = 0; begin < data.size(); begin += step) {
-    const std::size_t end = std::min(begin + kGroup, data.size());
-    std::size_t i = begin;
-    for (; i + 4 <= end; i += 4) {
-      const auto value = ValueAt<std::uint32_t>(&data[i]);
-      ++counts[0][value & 0xFF];
-      ++counts[1][value >> 8 & 0xFF];
-      ++counts[2][value >> 16 & 0xFF];
-      ++counts[3][value >> 24];
-    }
-    for (; i < end; ++i) ++counts[0][data[i]];
+    for (const unsigned char byte : data.subspan(begin, std::min(kGroup, data.size() - begin)))
+      ++counts[byte];
   }
-  TCounts sums{};
-  for (std::size_t i = 0; i < sums.size(); ++i) {
-    sums[i] = std::uint32_t{counts[0][i]} + counts[1][i] + counts[2][i] + counts[3][i];
+  return counts;
+}
+
+bool IsByteRun(TBytes data) noexcept {
+  return std::memcmp(data.data(), data.data() + 1, data.size() - 1) == 0;
+}
+
+/// How many zeros the data begin with, up to a unit.
+std::size_t LeadingZeros(TBytes data) noexcept {
+  const std::size_t size = std::min(data.size(), TDataEstimate::kUnitSize);
+  std::size_t count = 0;
+  while (count + sizeof(std::uint64_t) <= size && ValueAt<std::uint64_t>(&data[count]) == 0) {
+    count += sizeof(std::uint64_t);
   }
-  return sums;
+  while (count < size && data[count] == 0) ++count;
+  return count;
 }
 
 std::uint32_t Sum(const TCounts& counts, unsigned char first, unsigned char last) noexcept {
@@ -66,8 +75,12 @@ double HuffmanSavings(const TCounts& counts, std::size_t size) noexcept {
   constexpr double kRandom = 255;
   constexpr double kUnevennessPerByte = 11;
   std::uint32_t squares = 0;
-  for (const std::uint32_t count : counts) squares += count * count;
-  const auto counted = static_cast<double>(Sum(counts, 0, 255));
+  std::uint32_t sum = 0;
+  for (const std::uint16_t count : counts) {
+    squares += std::uint32_t{count} * count;
+    sum += count;
+  }
+  const auto counted = static_cast<double>(sum);
   const double unevenness = static_cast<double>(squares) * 256 / counted - counted;
   return std::max(0.0, (unevenness - kRandom) / kUnevennessPerByte * static_cast<double>(size) / counted);
 }
@@ -92,12 +105,27 @@ void TDataEstimate::Reset() noexcept {
   fPosition = kReach + 1;  // the empty marks are out of reach
 }
 
+TBytes TDataEstimate::NextUnit(TBytes data) noexcept {
+  if (const std::size_t zeros = LeadingZeros(data); zeros >= kLongRun) return data.first(zeros);
+  const std::size_t size = std::min(data.size(), kUnitSize);
+  // So close to each other that no long run is between them.
+  constexpr std::size_t kStep = kLongRun - sizeof(std::uint64_t);
+  for (std::size_t i = kStep; i + sizeof(std::uint64_t) <= data.size() && i < size; i += kStep) {
+    if (ValueAt<std::uint64_t>(&data[i]) != 0) continue;
+    std::size_t begin = i;
+    while (data[begin - 1] == 0) --begin;
+    if (LeadingZeros(data.subspan(begin)) >= kLongRun) return data.first(begin);
+  }
+  return data.first(size);
+}
+
 TDataEstimate::TResult TDataEstimate::Judge(TBytes unit) {
   TResult result;
-  if (unit.empty()) return result;
-  const TCounts counts = CountBytes(unit, kSparse);
-  result.Savings = static_cast<std::size_t>(HuffmanSavings(counts, unit.size()));
-  result.IsText = Sum(counts, ' ', '~') + Sum(counts, '\t', '\r') > Sum(counts, 0, 255) / 8 * 7;
+  if (unit.size() >= kLongRun && unit.front() == 0 && IsByteRun(unit)) {
+    fPosition += static_cast<std::uint32_t>(unit.size());
+    return {.Savings = unit.size(), .IsZeros = true};
+  }
+  result.Savings = static_cast<std::size_t>(HuffmanSavings(CountBytes(unit, kSparse), unit.size()));
   for (std::uint32_t begin = 0; begin < unit.size(); begin += kPart) {
     const TBytes part = unit.subspan(begin, std::min<std::size_t>(kPart, unit.size() - begin));
     const std::uint32_t distance = RepeatDistance(part.first(std::min(kProbe, part.size())));
@@ -111,30 +139,32 @@ TDataEstimate::TResult TDataEstimate::Judge(TBytes unit) {
   return result;
 }
 
-bool TDataEstimate::IsByteRun(TBytes unit) noexcept {
-  return !unit.empty() && std::memcmp(unit.data(), unit.data() + 1, unit.size() - 1) == 0;
-}
-
 std::size_t TDataEstimate::IncompressiblePrefix(TBytes unit) noexcept {
   std::size_t size = 0;
-  while (size + kPart <= unit.size() && IsIncompressible(unit.subspan(size, kPart))) size += kPart;
+  while (size + kPiece <= unit.size() && IsIncompressible(unit.subspan(size, kPiece))) size += kPiece;
   return size;
 }
 
 std::size_t TDataEstimate::IncompressibleSuffix(TBytes unit) noexcept {
   std::size_t size = 0;
-  while (size + kPart <= unit.size() && IsIncompressible(unit.last(size + kPart).first(kPart))) {
-    size += kPart;
+  while (size + kPiece <= unit.size() && IsIncompressible(unit.last(size + kPiece).first(kPiece))) {
+    size += kPiece;
   }
   return size;
 }
 
+bool TDataEstimate::IsText(TBytes data) noexcept {
+  const TCounts counts = CountBytes(data.first(std::min(data.size(), kUnitSize)), kSparse);
+  return Sum(counts, ' ', '~') + Sum(counts, '\t', '\r') > Sum(counts, 0, 255) / 8 * 7;
+}
+
 std::size_t TDataEstimate::HuffmanSize(TBytes data) noexcept {
+  const auto size = static_cast<double>(data.size());
   double bits = 0;
-  for (const std::uint32_t count : CountBytes(data, kGroup)) {
-    if (count > 0) bits += count * std::log2(static_cast<double>(data.size()) / count);
+  for (const std::uint16_t count : CountBytes(data, kGroup)) {
+    if (count > 0) bits += count * std::log2(size / count);
   }
-  return static_cast<std::size_t>(bits / 8);
+  return static_cast<std::size_t>(std::max(bits, size) / 8);  // no code is shorter than a bit
 }
 
 /// How far back the data begin that the next bytes repeat; 0: they repeat nothing.

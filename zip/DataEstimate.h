@@ -10,26 +10,30 @@
 /// unit.
 class TDataEstimate {
  public:
-  /// Longer data must be split into units of this size; shorter ones are judged less reliably.
+  /// What is judged as one; shorter data less reliably.
   static constexpr std::size_t kUnitSize = 4096;
+
+  /// The unit that the data begin with, of at most kUnitSize bytes: either a long run of zeros or none of it,
+  /// as that would hide what the other bytes are like.
+  static std::span<const unsigned char> NextUnit(std::span<const unsigned char> data) noexcept;
 
   /// Forgets what came before.
   void Reset() noexcept;
 
   struct TResult {
     std::size_t Savings = 0;      ///< the bytes that Deflate would probably save
+    bool IsZeros = false;         ///< a long run of zeros
     bool HasRepeats = false;      ///< of data in the unit or before it
     bool RepeatsEarlier = false;  ///< of data before the unit
-    bool IsText = false;          ///< of ASCII, by and large
   };
   /// Judges the next unit of the data.
   TResult Judge(std::span<const unsigned char> unit);
 
-  /// Whether all bytes are the same.
-  static bool IsByteRun(std::span<const unsigned char> unit) noexcept;
   /// How many bytes at the start, or at the end, of a unit without repeats are not worth compressing.
   static std::size_t IncompressiblePrefix(std::span<const unsigned char> unit) noexcept;
   static std::size_t IncompressibleSuffix(std::span<const unsigned char> unit) noexcept;
+  /// Whether as much as a unit at the start of the data is ASCII, by and large.
+  static bool IsText(std::span<const unsigned char> data) noexcept;
   /// The size of the data as Huffman codes only.
   static std::size_t HuffmanSize(std::span<const unsigned char> data) noexcept;
 

@@ -18,9 +18,11 @@ constexpr std::size_t kMostStored = 0xFFFF;  // bytes of one stored block
 /// As many units as one stored block can hold. Larger blocks leave the cache before they are written.
 constexpr std::size_t kBlockSize = kMostStored / TDataEstimate::kUnitSize * TDataEstimate::kUnitSize;
 
-/// What a unit must save at least to be compressed: a change of the kind costs about as much for its marks
-/// and for code tables of their own.
+/// What a unit must save at least to be compressed, and a shorter one in proportion: a change of the kind
+/// costs about as much for its marks and for code tables of their own.
 constexpr std::size_t kWorthPacking = 288;
+/// Fewer bytes are not worth leaving a search for, whatever they are.
+constexpr std::size_t kWorthLeaving = 512;
 
 /// How zlib searches: its level stands for the method, the other numbers replace the level's own.
 struct TSearch {
@@ -40,9 +42,15 @@ constexpr TSearch kFirstTextSearch{6, Z_FILTERED, 4, 7, 32, 32};
 /// The fast method, with more candidates than it has by itself.
 constexpr TSearch kBinarySearch{3, Z_DEFAULT_STRATEGY, 8, 16, 32, 8};
 
-/// The Deflate data of a unit of zeros: whole blocks, which refer to nothing before them.
-constexpr std::string_view kZeroUnit =
-    "\xec\xc1\x01\x0d\0\0\0\xc2\xa0\xf7\x4f\x6d\x0f\x07\x14\0\0\0\xf0\x6e\0\0\0\xff\xff"sv;
+/// A piece of Deflate data with the format's fixed codes, the first bit lowest.
+struct TFixedCode {
+  std::size_t Zeros;
+  std::uint32_t Bits;
+  int Size;
+};
+constexpr TFixedCode kZero{1, 0x0C, 8};
+/// A zero, or the longest and some shorter repeats of the byte before.
+constexpr TFixedCode kZeros[] = {{258, 0xA3, 13}, {35, 0x44, 15}, {3, 0x40, 12}, kZero};
 
 }  // namespace
 
@@ -52,6 +60,7 @@ void TPackedStream::TDeflateEnd::operator()(z_stream_s* stream) const noexcept {
 }
 
 TPackedStream::TPackedStream(TArchiveFile& target) : fTarget(target), fBuffer(kWindow + kBlockSize) {
+  fTrial.reserve(TDataEstimate::kUnitSize);
   auto stream = std::make_unique<z_stream>();
   if (::deflateInit2(stream.get(), kTextSearch.Level, Z_DEFLATED, kRawDeflate, kMemory, Z_DEFAULT_STRATEGY) !=
       Z_OK) {
@@ -66,7 +75,7 @@ void TPackedStream::Begin() {
   ::deflateReset(fStream.get());
   fEstimate.Reset();
   fKind = TKind::Stored;
-  fTrialHuffmanSize = 0;
+  fTrial.clear();
   fIsFirstBlock = true;
   fHistory = 0;
 }
@@ -81,18 +90,19 @@ void TPackedStream::Pack(std::size_t count) {
   if (fKind == TKind::Search) TuneSearch();
   std::size_t begin = 0;
   bool hasRepeats = false;
-  for (std::size_t i = 0; i < count; i += TDataEstimate::kUnitSize) {
-    const TBytes unit = block.subspan(i, std::min(TDataEstimate::kUnitSize, count - i));
+  TBytes unit;
+  for (std::size_t i = 0; i < count; i += unit.size()) {
+    unit = TDataEstimate::NextUnit(block.subspan(i));
     const TDataEstimate::TResult estimate = fEstimate.Judge(unit);
     TKind kind = KindOf(unit, estimate);
-    const std::size_t trial = std::exchange(fTrialHuffmanSize, 0);
-    if (trial > 0 && kind == TKind::Search && !estimate.HasRepeats) {
+    if (!fTrial.empty() && kind == TKind::Search && !estimate.HasRepeats && !estimate.IsZeros) {
       // Only such a unit needs to know what came of it: to find out costs a block with code tables.
       PackRun(block.subspan(begin, i - begin));
       begin = i;
-      EndTrial(trial);
+      EndTrial();
       kind = KindOf(unit, estimate);
     }
+    fTrial.clear();
     const bool followsRepeats = std::exchange(hasRepeats, estimate.HasRepeats);
     if (kind == fKind) continue;
     // On either side of stored data only what is worth it is compressed.
@@ -107,8 +117,8 @@ void TPackedStream::Pack(std::size_t count) {
     begin = end;
     Switch(kind);
     if (kind != TKind::Search) continue;
-    BeginSearch(end, estimate);
-    if (!hasRepeats) fTrialHuffmanSize = TDataEstimate::HuffmanSize(unit.subspan(end - i));
+    BeginSearch(end, TDataEstimate::IsText(block.subspan(end)), estimate.RepeatsEarlier);
+    if (!hasRepeats) fTrial.assign(unit.begin() + static_cast<std::ptrdiff_t>(end - i), unit.end());
   }
   PackRun(block.subspan(begin));
   KeepHistory(count);
@@ -116,10 +126,11 @@ void TPackedStream::Pack(std::size_t count) {
 }
 
 TPackedStream::TKind TPackedStream::KindOf(TBytes unit, const TDataEstimate::TResult& estimate) const {
-  if (unit.size() == TDataEstimate::kUnitSize && unit.front() == 0 && TDataEstimate::IsByteRun(unit)) {
-    return TKind::Zeros;
-  }
-  if (estimate.Savings < kWorthPacking) return TKind::Stored;
+  constexpr std::size_t kUnitSize = TDataEstimate::kUnitSize;
+  const bool isSearch = fKind == TKind::Search;
+  if (estimate.IsZeros) return isSearch && unit.size() < kUnitSize ? TKind::Search : TKind::Zeros;
+  if (isSearch && unit.size() < kWorthLeaving) return TKind::Search;
+  if (estimate.Savings * kUnitSize < kWorthPacking * unit.size()) return TKind::Stored;
   return fSearchFails && !estimate.HasRepeats ? TKind::Huffman : TKind::Search;
 }
 
@@ -144,13 +155,13 @@ void TPackedStream::Switch(TKind kind) {
   fKind = kind;
 }
 
-void TPackedStream::BeginSearch(std::size_t position, const TDataEstimate::TResult& estimate) {
-  fIsTextSearch = estimate.IsText;
+void TPackedStream::BeginSearch(std::size_t position, bool isText, bool repeatsEarlier) {
+  fIsTextSearch = isText;
   const TSearch& search = fIsTextSearch ? kTextSearch : kBinarySearch;
   ::deflateParams(fStream.get(), search.Level, search.Strategy);
   TuneSearch();
   fTrialBegin = fStream->total_out;
-  if (!estimate.RepeatsEarlier) return;
+  if (!repeatsEarlier) return;
   // What it has not seen of the bytes before.
   const std::size_t size = std::min(fHistory + position, kWindow);
   ::deflateSetDictionary(fStream.get(), &fBuffer[kWindow + position - size], static_cast<uInt>(size));
@@ -163,10 +174,10 @@ void TPackedStream::TuneSearch() {
 }
 
 /// Compares what the search made of its first unit with what Huffman codes alone would have.
-void TPackedStream::EndTrial(std::size_t huffmanSize) {
+void TPackedStream::EndTrial() {
   Deflate({}, Z_BLOCK);
   const std::size_t size = fStream->total_out - fTrialBegin;
-  fSearchFails = size * 100 > huffmanSize * 97;
+  fSearchFails = size * 100 > TDataEstimate::HuffmanSize(fTrial) * 97;
 }
 
 void TPackedStream::KeepHistory(std::size_t count) {
@@ -189,7 +200,23 @@ void TPackedStream::Store(TBytes run) {
 }
 
 void TPackedStream::StoreZeros(std::size_t count) {
-  for (std::size_t i = 0; i < count; i += TDataEstimate::kUnitSize) fTarget.Write(kZeroUnit);
+  std::uint32_t bits = 0b010;  // a block with the fixed codes, not the last one
+  int size = 3;
+  const auto put = [&](const TFixedCode& code) {
+    bits |= code.Bits << size;
+    for (size += code.Size; size >= 8; size -= 8, bits >>= 8) {
+      const char byte = static_cast<char>(bits & 0xFF);
+      fTarget.Write({&byte, 1});
+    }
+  };
+  put(kZero);
+  --count;
+  for (const TFixedCode& code : kZeros) {
+    for (; count >= code.Zeros; count -= code.Zeros) put(code);
+  }
+  // The block's end; then an empty stored block, which begins with three bits and fills the byte.
+  put({0, 0, 7 + 3 + 7});
+  fTarget.Write("\0\0\xff\xff"sv);
 }
 
 void TPackedStream::Deflate(TBytes run, int flush) {

@@ -31,7 +31,7 @@ class TPackedStream {
   /// What is done with a unit of the data.
   enum class TKind {
     Stored,   ///< written as it is
-    Zeros,    ///< zeros only: written as Deflate data made beforehand
+    Zeros,    ///< zeros only: written as Deflate data without the compressor
     Huffman,  ///< compressed without a search for repeats
     Search,   ///< compressed
   };
@@ -44,9 +44,9 @@ class TPackedStream {
   TKind KindOf(TBytes unit, const TDataEstimate::TResult& estimate) const;
   void PackRun(TBytes run);
   void Switch(TKind kind);
-  void BeginSearch(std::size_t position, const TDataEstimate::TResult& estimate);
+  void BeginSearch(std::size_t position, bool isText, bool repeatsEarlier);
   void TuneSearch();
-  void EndTrial(std::size_t huffmanSize);
+  void EndTrial();
   void KeepHistory(std::size_t count);
   void Store(TBytes run);
   void StoreZeros(std::size_t count);
@@ -59,8 +59,8 @@ class TPackedStream {
   bool fIsFirstBlock = true;
   bool fIsTextSearch = false;
   // Where nothing says whether a search pays, its first unit is a trial.
+  std::vector<unsigned char> fTrial;  // the unit; empty: no trial
   std::size_t fTrialBegin = 0;        // in the stream's output
-  std::size_t fTrialHuffmanSize = 0;  // of the unit; 0: no trial
   bool fSearchFails = false;
   std::vector<unsigned char> fBuffer;  // the window before the block, then the block
   std::size_t fHistory = 0;            // how much of the window is filled, up to the block

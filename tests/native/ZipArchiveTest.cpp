@@ -23,6 +23,15 @@ std::string Data(const std::vector<TDataPart>& parts) {
   return data;
 }
 
+/// Random data with runs of zeros of each length.
+std::vector<TDataPart> ZeroRuns() {
+  std::vector<TDataPart> parts;
+  for (std::size_t length = 100; length < 400; ++length) {
+    parts.insert(parts.end(), {{'r', 150}, {'z', length}});
+  }
+  return parts;
+}
+
 class ZipArchiveTest : public TMachineTest {
  protected:
   /// Compares the archive with a folder in several readers; `names` are its entries in their order.
@@ -59,6 +68,7 @@ TEST_F(ZipArchiveTest, PackedStreamsRoundTrip) {
       {{{'r', 5000}, {'b', 5000, 5000}, {'r', 3000}}, 8500},
       {{{'r', 30'001}, {'b', 120'000, 30'001}}, 34'000},                      // and often
       {{{'r', 100'000}, {'z', 3000}, {'r', 100'000}, {'z', 3000}}, 201'500},  // padding between
+      {ZeroRuns(), 60'000},
       {{{'t', 100'000}, {'r', 100}, {'t', 100'000}, {'r', 5000}, {'t', 1}}, 145'000},
   };
   for (const auto& test : cases) {
