@@ -21,11 +21,10 @@ std::uint32_t PlainChecksum(std::uint32_t crc, TBytes bytes) noexcept {
 #if defined(__x86_64__)
 // The checksum is the remainder of the bytes, read as one polynomial, and does not change when a piece of it
 // is replaced by anything with the same remainder. So each 128 bits are multiplied into the next ones until
-// 16 bytes are left. That takes a tenth of the time that zlib's tables need, which was a sixth of the
-// packing.
+// 16 bytes are left. That is four times as fast as zlib's tables, which took a sixth of the packing.
 
 constexpr std::size_t kLane = sizeof(__m128i);
-constexpr std::size_t kLanes = 4;  // independent of each other, so that the processor overlaps them
+constexpr std::size_t kStep = 4 * kLane;
 
 /// The remainder of x to the power of `exponent`, lowest power first, in the place where a product of two
 /// such numbers belongs.
@@ -52,18 +51,23 @@ WITH_CARRYLESS_PRODUCTS __m128i Fold(__m128i lane, __m128i bytes) noexcept {
 }
 
 WITH_CARRYLESS_PRODUCTS std::uint32_t FoldedChecksum(std::uint32_t crc, TBytes bytes) noexcept {
-  constexpr int kBits = 8 * kLane;
-  __m128i lanes[kLanes];
-  for (std::size_t i = 0; i < kLanes; ++i) lanes[i] = Load(&bytes[i * kLane]);
-  lanes[0] = _mm_xor_si128(lanes[0], _mm_cvtsi32_si128(static_cast<int>(~crc)));
-  std::size_t at = kLanes * kLane;
-  for (; at + kLanes * kLane <= bytes.size(); at += kLanes * kLane) {
-    for (std::size_t i = 0; i < kLanes; ++i) {
-      lanes[i] = Fold<kLanes * kBits>(lanes[i], Load(&bytes[at + i * kLane]));
-    }
+  constexpr int kLaneBits = 8 * kLane;
+  constexpr int kStepBits = 8 * kStep;
+  const unsigned char* next = bytes.data();
+  // Independent of each other, so that the processor overlaps them.
+  __m128i a = _mm_xor_si128(Load(next), _mm_cvtsi32_si128(static_cast<int>(~crc)));
+  __m128i b = Load(next + kLane);
+  __m128i c = Load(next + 2 * kLane);
+  __m128i d = Load(next + 3 * kLane);
+  std::size_t at = kStep;
+  for (; at + kStep <= bytes.size(); at += kStep) {
+    next = &bytes[at];
+    a = Fold<kStepBits>(a, Load(next));
+    b = Fold<kStepBits>(b, Load(next + kLane));
+    c = Fold<kStepBits>(c, Load(next + 2 * kLane));
+    d = Fold<kStepBits>(d, Load(next + 3 * kLane));
   }
-  __m128i lane = lanes[0];
-  for (std::size_t i = 1; i < kLanes; ++i) lane = Fold<kBits>(lane, lanes[i]);
+  const __m128i lane = Fold<kLaneBits>(Fold<kLaneBits>(Fold<kLaneBits>(a, b), c), d);
   std::array<unsigned char, kLane> left;
   _mm_storeu_si128(reinterpret_cast<__m128i*>(left.data()), lane);
   // The checksum begins and ends with an inversion, which what is left has had already, or gets later.
@@ -75,7 +79,7 @@ WITH_CARRYLESS_PRODUCTS std::uint32_t FoldedChecksum(std::uint32_t crc, TBytes b
 
 std::uint32_t Checksum(std::uint32_t crc, TBytes bytes) noexcept {
 #if defined(__x86_64__)
-  if (bytes.size() >= kLanes * kLane && __builtin_cpu_supports("pclmul")) return FoldedChecksum(crc, bytes);
+  if (bytes.size() >= kStep && __builtin_cpu_supports("pclmul")) return FoldedChecksum(crc, bytes);
 #endif
   return PlainChecksum(crc, bytes);
 }
