@@ -121,7 +121,7 @@ TBytes TDataEstimate::NextUnit(TBytes data) noexcept {
 
 TDataEstimate::TResult TDataEstimate::Judge(TBytes unit) {
   TResult result;
-  if (unit.size() >= kLongRun && unit.front() == 0 && IsByteRun(unit)) {
+  if (LeadingZeros(unit) >= kLongRun) {
     fPosition += static_cast<std::uint32_t>(unit.size());
     return {.Savings = unit.size(), .IsZeros = true};
   }
