@@ -22,8 +22,7 @@ std::string EntryName(TextView name) {
     const char16_t unit = name[at];
     const char32_t codePoint = NextCodePoint(name, at);
     AppendUtf8(entry, codePoint == U'\\' ? U'/' : codePoint);
-    if (codePoint != kReplacement) continue;
-    for (const int shift : {12, 8, 4, 0}) entry += "0123456789ABCDEF"[unit >> shift & 0xF];
+    if (codePoint == kReplacement) entry += Utf8FromText(HexText(unit).substr(4));
   }
   return entry;
 }
