@@ -80,6 +80,10 @@ bool TField::AsBoolean() const {
 
 UnicodeString TField::AsText() const {
   sqlite3_stmt* const row = fQuery.CurrentRow();
+  // The engine would print the number in UTF-8 and convert that.
+  if (::sqlite3_column_type(row, fColumn) == SQLITE_INTEGER) {
+    return DecimalText(::sqlite3_column_int64(row, fColumn));
+  }
   const auto* const text = static_cast<const char16_t*>(::sqlite3_column_text16(row, fColumn));
   const int bytes = ::sqlite3_column_bytes16(row, fColumn);
   if (text == nullptr) return {};

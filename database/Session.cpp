@@ -13,6 +13,10 @@ namespace {
 /// temporary table goes into a file.
 constexpr const char* kSettings = "PRAGMA encoding='UTF-16le'; PRAGMA temp_store=MEMORY;";
 
+/// Only one thread uses the connection, so that the engine need not lock each call.
+constexpr int kOpenMode =
+    SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY | SQLITE_OPEN_NOMUTEX;
+
 /// Statements that would write files (ATTACH, VACUUM INTO) need a second database.
 constexpr int kAttachedDatabases = 0;
 
@@ -20,8 +24,7 @@ constexpr int kAttachedDatabases = 0;
 
 void TSession::Open() {
   sqlite3* connection = nullptr;
-  const int result = ::sqlite3_open_v2(
-      ":memory:", &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY, nullptr);
+  const int result = ::sqlite3_open_v2(":memory:", &connection, kOpenMode, nullptr);
   TConnection opened(connection);
   if (result != SQLITE_OK) throw database::EngineError(connection, u"(Verbindungsaufbau)");
   ::sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, kAttachedDatabases);

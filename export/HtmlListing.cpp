@@ -1,6 +1,8 @@
 #include "export/HtmlListing.h"
 
 #include <algorithm>
+#include <functional>
+#include <span>
 #include <utility>
 
 #include "export/ListingParts.h"
@@ -35,13 +37,37 @@ bool IsAscii(TextView text) {
   return std::ranges::all_of(text, [](char16_t c) { return c < 0x80; });
 }
 
-/// Equal for names that a folder of the archive cannot hold both. Most names are plain, and asking the locale
-/// for each would take longer than all else here.
-std::string NameKey(TextView name) {
-  if (!IsAscii(name)) return SameTextKey(name);
-  std::string key;
-  for (const char16_t c : name) key += static_cast<char>(c >= u'A' && c <= u'Z' ? c + 0x20 : c);
-  return key;
+/// Appends one byte for each character.
+template <class TByteOf>
+void AppendBytes(std::string& bytes, TextView text, TByteOf byteOf) {
+  const std::size_t size = bytes.size();
+  bytes.resize(size + text.size());
+  std::ranges::transform(text, bytes.begin() + static_cast<std::ptrdiff_t>(size),
+                         [byteOf](char16_t c) { return static_cast<char>(byteOf(c)); });
+}
+
+/// Appends bytes that are equal for texts that SameText calls the same. Most file names are plain, and asking
+/// the locale for each would take longer than all else here.
+void AppendKey(std::string& keys, TextView text) {
+  if (IsAscii(text)) {
+    AppendBytes(keys, text, [](char16_t c) { return c >= u'A' && c <= u'Z' ? c + 0x20 : c; });
+  } else {
+    keys += SameTextKey(text);
+  }
+}
+
+/// Sorts by `projection`, and hands on one after the other those for which it is the same.
+template <class T, class TProjection, class TAction>
+void ForEachGroup(std::span<T> all, TProjection projection, TAction action) {
+  std::ranges::sort(all, {}, projection);
+  while (!all.empty()) {
+    const auto isOther = [&](const T& one) {
+      return std::invoke(projection, one) != std::invoke(projection, all.front());
+    };
+    const auto count = static_cast<std::size_t>(std::ranges::find_if(all, isOther) - all.begin());
+    action(all.first(count));
+    all = all.subspan(count);
+  }
 }
 
 /// Controls and non-characters may not stand in a page.
@@ -68,13 +94,23 @@ std::string_view Escape(char32_t c) {
   }
 }
 
+/// Whether it stands in a page as it is, as one byte.
+bool IsPlain(char16_t c) {
+  return c >= 0x20 && c < 0x7F && Escape(c).empty();
+}
+
 /// What a page cannot hold becomes U+FFFD.
 void AppendText(std::string& page, TextView text) {
-  for (std::size_t at = 0; at < text.size();) {
-    const char32_t c = NextCodePoint(text, at);
-    const std::string_view escape = Escape(c);
-    page += escape;
-    if (escape.empty()) AppendUtf8(page, IsPermitted(c) ? c : 0xFFFD);
+  while (!text.empty()) {
+    auto end = static_cast<std::size_t>(std::ranges::find_if_not(text, IsPlain) - text.begin());
+    AppendBytes(page, text.substr(0, end), std::identity());
+    if (end < text.size()) {
+      const char32_t c = NextCodePoint(text, end);
+      const std::string_view escape = Escape(c);
+      page += escape;
+      if (escape.empty()) AppendUtf8(page, IsPermitted(c) ? c : 0xFFFD);
+    }
+    text.remove_prefix(end);
   }
 }
 
@@ -143,17 +179,42 @@ void THtmlListing::AddRow(const TListingRow& row) {
     fMarkup += "<strong><svg aria-hidden=true><use href=#warning /></svg>";
     fMarkup.append(FateText(row.Fate)).append("</strong>");
   }
-  fRows.push_back({fMarkup.size(), NameOf(row.File)});
+  AddName(row.File);
+  fRows.push_back(fMarkup.size());
 }
 
-const THtmlListing::TFileName* THtmlListing::NameOf(TextView path) {
+void THtmlListing::AddName(TextView path) {
   const TextView name = StagedName(path);
-  if (name.empty()) return nullptr;
-  const auto [entry, isNew] = fNames.try_emplace(NameKey(name));
-  TFileName& known = entry->second;
-  if (isNew) known.Path = path;
-  if (known.Path != path && !SameText(known.Path, path)) known.HasSeveral = true;
-  return &known;
+  if (name.empty()) return;
+  std::string folder;
+  AppendKey(folder, path.substr(0, path.size() - name.size()));
+  const std::size_t key = fKeys.size();
+  AppendKey(fKeys, name);
+  const std::string_view added = std::string_view(fKeys).substr(key);
+  fNames.push_back({std::hash<std::string_view>()(added), key, added.size(),
+                    &*fFolders.insert(std::move(folder)).first, fRows.size()});
+}
+
+/// For each row whether another folder, too, has a file of this name.
+std::vector<bool> THtmlListing::RowsWithSharedNames() const {
+  std::vector<bool> shared(fRows.size());
+  std::vector<TFileName> names = fNames;
+  const auto key = [this](const TFileName& name) {
+    return std::string_view(fKeys).substr(name.Key, name.KeySize);
+  };
+  const auto inOneFolder = [](std::span<const TFileName> group) {
+    return std::ranges::all_of(group,
+                               [&](const TFileName& name) { return name.Folder == group.front().Folder; });
+  };
+  // Comparing the hashes first, as numbers, leaves only a few names to be looked at.
+  ForEachGroup(std::span(names), &TFileName::Hash, [&](std::span<TFileName> alike) {
+    if (inOneFolder(alike)) return;
+    ForEachGroup(alike, key, [&](std::span<const TFileName> same) {
+      if (inOneFolder(same)) return;
+      for (const TFileName& name : same) shared[name.Row] = true;
+    });
+  });
+  return shared;
 }
 
 void THtmlListing::Write(TextView title, TextView warning, const TWriter& write) const {
@@ -188,14 +249,13 @@ void THtmlListing::WriteSummary(TPage& page, TextView warning) const {
 
 void THtmlListing::WriteRows(TPage& page) const {
   const std::string_view markup = fMarkup;
+  const std::vector<bool> shared = RowsWithSharedNames();
   std::size_t begin = 0;
   for (std::size_t i = 0; i < fRows.size(); ++i) {
     if (i % kRowsInBlock == 0) page << "<tbody>\n";
-    page << markup.substr(begin, fRows[i].End - begin);
-    if (fRows[i].Name != nullptr && fRows[i].Name->HasSeveral) {
-      page << "<small>Gleicher Dateiname auch in einem anderen Ordner</small>";
-    }
+    page << markup.substr(begin, fRows[i] - begin);
+    if (shared[i]) page << "<small>Gleicher Dateiname auch in einem anderen Ordner</small>";
     page << "\n";
-    begin = fRows[i].End;
+    begin = fRows[i];
   }
 }

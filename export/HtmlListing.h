@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/Text.h"
@@ -41,23 +41,25 @@ class THtmlListing {
 
  private:
   struct TFileName {
-    UnicodeString Path;       // the first with this name
-    bool HasSeveral = false;  // paths with this name
-  };
-  struct TRow {
-    std::size_t End;        // of its markup
-    const TFileName* Name;  // null: the row names no file
+    std::size_t Hash;  // of its key
+    std::size_t Key;   // where this begins in fKeys
+    std::size_t KeySize;
+    const std::string* Folder;  // one of fFolders
+    std::size_t Row;
   };
 
   class TPage;
 
-  const TFileName* NameOf(TextView path);
+  void AddName(TextView path);
+  std::vector<bool> RowsWithSharedNames() const;
   void WriteSummary(TPage& page, TextView warning) const;
   void WriteRows(TPage& page) const;
 
-  std::string fMarkup;  // of all rows
-  std::vector<TRow> fRows;
-  std::unordered_map<std::string, TFileName> fNames;
+  std::string fMarkup;                       // of all rows
+  std::vector<std::size_t> fRows;            // the end of each one's markup
+  std::vector<TFileName> fNames;             // of the rows that name a file
+  std::string fKeys;                         // of all names
+  std::unordered_set<std::string> fFolders;  // the keys of all folders
   std::array<std::int64_t, kKindCount> fCounts{};
   std::int64_t fMissing = 0;
 };
