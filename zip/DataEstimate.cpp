@@ -101,8 +101,7 @@ std::size_t Slot(std::uint32_t fingerprint) noexcept {
 }  // namespace
 
 void TDataEstimate::Reset() noexcept {
-  fMarks.fill({});
-  fPosition = kReach + 1;  // the empty marks are out of reach
+  fPosition += kReach + 1;  // puts all marks out of reach
 }
 
 TBytes TDataEstimate::NextUnit(TBytes data) noexcept {

@@ -38,7 +38,7 @@ constexpr int kMaxMatch = 258;
 constexpr TSearch kTextSearch{6, Z_FILTERED, kMaxMatch, kMaxMatch, kMaxMatch, 2};
 /// Small files are worth more candidates; at a file's start there are not many yet. Only where the match is
 /// of the least length that the strategy takes, there is a look for a longer one.
-constexpr TSearch kFirstTextSearch{6, Z_FILTERED, 4, 7, 32, 32};
+constexpr TSearch kFirstTextSearch{6, Z_FILTERED, 4, 7, 32, 24};
 /// The fast method, with more candidates than it has by itself.
 constexpr TSearch kBinarySearch{3, Z_DEFAULT_STRATEGY, 8, 16, 32, 8};
 
@@ -78,9 +78,11 @@ void TPackedStream::Begin() {
   fTrial.clear();
   fIsFirstBlock = true;
   fHistory = 0;
+  fBlock = 0;
 }
 
 std::span<char> TPackedStream::Room() noexcept {
+  KeepHistory();  // not before: an entry's last block is no history
   return std::span(reinterpret_cast<char*>(fBuffer.data()), fBuffer.size()).subspan(kWindow);
 }
 
@@ -121,8 +123,8 @@ void TPackedStream::Pack(std::size_t count) {
     if (!hasRepeats) fTrial.assign(unit.begin() + static_cast<std::ptrdiff_t>(end - i), unit.end());
   }
   PackRun(block.subspan(begin));
-  KeepHistory(count);
   fIsFirstBlock = false;
+  fBlock = count;
 }
 
 TPackedStream::TKind TPackedStream::KindOf(TBytes unit, const TDataEstimate::TResult& estimate) const {
@@ -180,7 +182,9 @@ void TPackedStream::EndTrial() {
   fSearchFails = size * 100 > TDataEstimate::HuffmanSize(fTrial) * 97;
 }
 
-void TPackedStream::KeepHistory(std::size_t count) {
+void TPackedStream::KeepHistory() noexcept {
+  const std::size_t count = std::exchange(fBlock, 0);
+  if (count == 0) return;
   fHistory = std::min(fHistory + count, kWindow);
   const auto end = fBuffer.begin() + static_cast<std::ptrdiff_t>(kWindow + count);
   std::copy(end - static_cast<std::ptrdiff_t>(fHistory), end,

@@ -47,7 +47,7 @@ class TPackedStream {
   void BeginSearch(std::size_t position, bool isText, bool repeatsEarlier);
   void TuneSearch();
   void EndTrial();
-  void KeepHistory(std::size_t count);
+  void KeepHistory() noexcept;
   void Store(TBytes run);
   void StoreZeros(std::size_t count);
   void Deflate(TBytes run, int flush);
@@ -63,5 +63,6 @@ class TPackedStream {
   std::size_t fTrialBegin = 0;        // in the stream's output
   bool fSearchFails = false;
   std::vector<unsigned char> fBuffer;  // the window before the block, then the block
+  std::size_t fBlock = 0;              // bytes of the block that are packed, but not yet history
   std::size_t fHistory = 0;            // how much of the window is filled, up to the block
 };
