@@ -13,8 +13,8 @@ import re
 import struct
 import sys
 
-kSystemLibraries = {"advapi32.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "shcore.dll",
-                    "user32.dll"}
+# Without advapi32.dll: it would come in for the cryptography that the program's start does without.
+kSystemLibraries = {"gdi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "shcore.dll", "user32.dll"}
 kWantedFlags = {0x0020: "high entropy addresses", 0x0040: "a movable base", 0x0100: "non-executable data"}
 
 
