@@ -46,8 +46,8 @@ void AppendBytes(std::string& bytes, TextView text, TByteOf byteOf) {
                          [byteOf](char16_t c) { return static_cast<char>(byteOf(c)); });
 }
 
-/// Appends bytes that are equal for texts that SameText calls the same. Most file names are plain, and asking
-/// the locale for each would take longer than all else here.
+/// Appends bytes that are equal for names that a folder cannot hold both. Most file names are plain, and
+/// asking the locale for each would take longer than all else here.
 void AppendKey(std::string& keys, TextView text) {
   if (IsAscii(text)) {
     AppendBytes(keys, text, [](char16_t c) { return c >= u'A' && c <= u'Z' ? c + 0x20 : c; });
