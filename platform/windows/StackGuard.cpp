@@ -8,8 +8,6 @@
 
 extern "C" {
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the compiler calls them so
-
 /// Stands between a function's arrays and its return address.
 std::uintptr_t __stack_chk_guard = 0;
 
@@ -18,14 +16,12 @@ std::uintptr_t __stack_chk_guard = 0;
   ::RaiseFailFastException(nullptr, nullptr, 0);
   __builtin_unreachable();
 }
-
-// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace {
 
 /// Runs before all other constructors: no protected function may be on its way meanwhile.
-[[gnu::constructor(101), gnu::no_stack_protector]] void MakeGuard() {
+__attribute__((constructor(101), no_stack_protector)) void MakeGuard() {
   LARGE_INTEGER counter{};
   ::QueryPerformanceCounter(&counter);
   FILETIME time{};
