@@ -416,12 +416,10 @@ void TTreeList::ForEachRow(const std::function<void(const TTreeListRow&)>& visit
   const TTreeListModel& model = fBindWanted ? unbound : fModel;
   std::vector<TField> fields;
   for (const TTreeColumn* column : fVisible) fields.push_back(fQuery->Field(column->FieldName()));
-  TTreeListRow row;
   for (std::size_t node = 0; node < model.NodeCount(); ++node) {
     fQuery->GoTo(model.Record(node));
-    row.Level = model.Level(node);
-    row.Image = model.Image(node);
-    row.Texts.clear();
+    TTreeListRow row{model.Level(node), model.Image(node), {}};
+    row.Texts.reserve(fields.size());
     for (const TField& field : fields) row.Texts.push_back(field.AsText());
     visit(row);
   }
