@@ -62,6 +62,10 @@ std::size_t LeadingZeros(TBytes data) noexcept {
   return count;
 }
 
+bool BeginsWithLongRun(TBytes data) noexcept {
+  return data.size() >= kLongRun && data.front() == 0 && IsByteRun(data.first(kLongRun));
+}
+
 std::uint32_t Sum(const TCounts& counts, unsigned char first, unsigned char last) noexcept {
   std::uint32_t sum = 0;
   for (std::size_t i = first; i <= last; ++i) sum += counts[i];
@@ -75,12 +79,8 @@ double HuffmanSavings(const TCounts& counts, std::size_t size) noexcept {
   constexpr double kRandom = 255;
   constexpr double kUnevennessPerByte = 11;
   std::uint32_t squares = 0;
-  std::uint32_t sum = 0;
-  for (const std::uint16_t count : counts) {
-    squares += std::uint32_t{count} * count;
-    sum += count;
-  }
-  const auto counted = static_cast<double>(sum);
+  for (const std::uint16_t count : counts) squares += std::uint32_t{count} * count;
+  const auto counted = static_cast<double>(Sum(counts, 0, 255));
   const double unevenness = static_cast<double>(squares) * 256 / counted - counted;
   return std::max(0.0, (unevenness - kRandom) / kUnevennessPerByte * static_cast<double>(size) / counted);
 }
@@ -105,7 +105,7 @@ void TDataEstimate::Reset() noexcept {
 }
 
 TBytes TDataEstimate::NextUnit(TBytes data) noexcept {
-  if (const std::size_t zeros = LeadingZeros(data); zeros >= kLongRun) return data.first(zeros);
+  if (BeginsWithLongRun(data)) return data.first(LeadingZeros(data));
   const std::size_t size = std::min(data.size(), kUnitSize);
   // So close to each other that no long run is between them.
   constexpr std::size_t kStep = kLongRun - sizeof(std::uint64_t);
@@ -113,14 +113,14 @@ TBytes TDataEstimate::NextUnit(TBytes data) noexcept {
     if (ValueAt<std::uint64_t>(&data[i]) != 0) continue;
     std::size_t begin = i;
     while (data[begin - 1] == 0) --begin;
-    if (LeadingZeros(data.subspan(begin)) >= kLongRun) return data.first(begin);
+    if (BeginsWithLongRun(data.subspan(begin))) return data.first(begin);
   }
   return data.first(size);
 }
 
 TDataEstimate::TResult TDataEstimate::Judge(TBytes unit) {
   TResult result;
-  if (LeadingZeros(unit) >= kLongRun) {
+  if (BeginsWithLongRun(unit)) {
     fPosition += static_cast<std::uint32_t>(unit.size());
     return {.Savings = unit.size(), .IsZeros = true};
   }

@@ -76,7 +76,6 @@ void TPackedStream::Begin() {
   fEstimate.Reset();
   fKind = TKind::Stored;
   fTrial.clear();
-  fIsFirstBlock = true;
   fHistory = 0;
   fBlock = 0;
 }
@@ -123,7 +122,6 @@ void TPackedStream::Pack(std::size_t count) {
     if (!hasRepeats) fTrial.assign(unit.begin() + static_cast<std::ptrdiff_t>(end - i), unit.end());
   }
   PackRun(block.subspan(begin));
-  fIsFirstBlock = false;
   fBlock = count;
 }
 
@@ -170,7 +168,8 @@ void TPackedStream::BeginSearch(std::size_t position, bool isText, bool repeatsE
 }
 
 void TPackedStream::TuneSearch() {
-  const TSearch& text = fIsFirstBlock ? kFirstTextSearch : kTextSearch;
+  const bool isFirstBlock = fHistory == 0;
+  const TSearch& text = isFirstBlock ? kFirstTextSearch : kTextSearch;
   const TSearch& search = fIsTextSearch ? text : kBinarySearch;
   ::deflateTune(fStream.get(), search.GoodLength, search.MostLazy, search.NiceLength, search.Candidates);
 }

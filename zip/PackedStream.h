@@ -56,7 +56,6 @@ class TPackedStream {
   std::unique_ptr<z_stream_s, TDeflateEnd> fStream;
   TDataEstimate fEstimate;
   TKind fKind = TKind::Stored;
-  bool fIsFirstBlock = true;
   bool fIsTextSearch = false;
   // Where nothing says whether a search pays, its first unit is a trial.
   std::vector<unsigned char> fTrial;  // the unit; empty: no trial
@@ -64,5 +63,5 @@ class TPackedStream {
   bool fSearchFails = false;
   std::vector<unsigned char> fBuffer;  // the window before the block, then the block
   std::size_t fBlock = 0;              // bytes of the block that are packed, but not yet history
-  std::size_t fHistory = 0;            // how much of the window is filled, up to the block
+  std::size_t fHistory = 0;            // how much of the window is filled; 0 in an entry's first block
 };
